@@ -1,0 +1,74 @@
+#include "Sound/StepGrid.h"
+
+namespace pulsara {
+
+StepGrid::StepGrid(uint32_t rows, uint32_t length)
+{
+    resize(rows, length);
+}
+
+const AtomicStep* StepGrid::find(uint32_t row, uint32_t step) const
+{
+    if (row >= rows_ || step >= kCellsPerRow)
+        return nullptr;
+    return &cells_[static_cast<std::size_t>(row) * kCellsPerRow + step];
+}
+
+void StepGrid::clear()
+{
+    for (uint32_t row = rows_; row-- > 0;) {
+        for (uint32_t step = kCellsPerRow; step-- > 0;)
+            setNote(row, step, 0.0f);
+    }
+}
+
+void StepGrid::copyFrom(const StepGrid& other)
+{
+    if (&other == this)
+        return;
+    resize(other.rows_, other.length());
+    for (uint32_t row = 0; row < rows_; ++row) {
+        for (uint32_t step = 0; step < kCellsPerRow; ++step)
+            setCell(row, step, other.cell(row, step));
+    }
+}
+
+void StepGrid::resize(uint32_t rows, uint32_t length)
+{
+    if (rows != rows_ || !cells_) {
+        // Fresh cells start empty, which is what clearing would make of them.
+        cells_ = std::make_unique<AtomicStep[]>(static_cast<std::size_t>(rows) * kCellsPerRow);
+        rows_ = rows;
+    }
+    setLength(length);
+}
+
+float StepGrid::note(uint32_t row, uint32_t step) const
+{
+    return isNote(row, step) ? 1.0f : 0.0f;
+}
+
+void StepGrid::setNote(uint32_t row, uint32_t step, float value)
+{
+    setCell(row, step, value > 0.0f ? kDefaultNote : kEmptyStep);
+}
+
+Step StepGrid::cell(uint32_t row, uint32_t step) const
+{
+    const AtomicStep* found = find(row, step);
+    return found ? found->load() : kEmptyStep;
+}
+
+void StepGrid::setCell(uint32_t row, uint32_t step, Step value)
+{
+    if (const AtomicStep* found = find(row, step))
+        const_cast<AtomicStep*>(found)->store(value);
+}
+
+bool StepGrid::isNote(uint32_t row, uint32_t step) const
+{
+    const AtomicStep* found = find(row, step);
+    return found && found->isNote();
+}
+
+} // namespace pulsara

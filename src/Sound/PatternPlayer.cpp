@@ -1,0 +1,231 @@
+#include "Sound/PatternPlayer.h"
+
+#include "Sound/Instrument.h"
+#include "base/ErrorReporter.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+namespace pulsara {
+
+namespace {
+
+constexpr const char* kSource = "Sound/Pattern";
+constexpr int kNoFormatLine = 139;
+constexpr float kMinutesPerSecond = 0.016666668f;
+
+uint64_t stepStart(uint32_t step, double framesPerStep)
+{
+    return static_cast<uint64_t>(step * framesPerStep);
+}
+
+uint64_t passFrames(uint32_t length, double framesPerStep)
+{
+    return static_cast<uint64_t>(length * framesPerStep);
+}
+
+// The first step that starts at or after `frame` of the pass.
+uint32_t firstStepFrom(uint64_t frame, double framesPerStep)
+{
+    double estimate = std::floor(static_cast<double>(frame) / framesPerStep);
+    auto step = estimate > 0.0 ? static_cast<uint32_t>(std::min(estimate, 4294967295.0)) : 0u;
+    while (step > 0 && stepStart(step - 1, framesPerStep) >= frame)
+        --step;
+    while (stepStart(step, framesPerStep) < frame)
+        ++step;
+    return step;
+}
+
+int64_t nowMilliseconds()
+{
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
+PatternPlayer::PatternPlayer()
+    : grid_(kTracks, 16)
+{
+}
+
+void PatternPlayer::setInstrument(uint32_t track, Instrument* instrument)
+{
+    if (track < kTracks)
+        tracks_[track].setInstrument(instrument);
+}
+
+void PatternPlayer::setTempo(float beatsPerMinute)
+{
+    // Written so that NaN also falls back to the minimum.
+    if (!(beatsPerMinute >= kMinTempo))
+        beatsPerMinute = kMinTempo;
+    tempo_.store(beatsPerMinute, std::memory_order_relaxed);
+    recomputeFramesPerStep();
+    float stepsPerMinutePerBeat = static_cast<float>(length()) * beatsPerMinute / static_cast<float>(beatsPerPattern());
+    for (TrackVoice& track : tracks_)
+        track.setTempo(stepsPerMinutePerBeat);
+}
+
+void PatternPlayer::setBeatsPerPattern(uint32_t beats)
+{
+    beatsPerPattern_.store(beats, std::memory_order_relaxed);
+    recomputeFramesPerStep();
+}
+
+void PatternPlayer::setLength(uint32_t steps)
+{
+    grid_.setLength(steps);
+    recomputeFramesPerStep();
+}
+
+void PatternPlayer::setFormat(const AudioFormat* format)
+{
+    format_ = format;
+    recomputeFramesPerStep();
+}
+
+void PatternPlayer::recomputeFramesPerStep()
+{
+    if (!format_)
+        return;
+    float stepsPerMinute = static_cast<float>(length()) * tempo() * kMinutesPerSecond;
+    float framesPerStep = static_cast<float>(format_->sampleRate) / (stepsPerMinute / static_cast<float>(beatsPerPattern()));
+    // A zero length or beat count gives no usable step; such a grid simply never triggers.
+    if (!std::isfinite(framesPerStep) || framesPerStep < 0.0f)
+        framesPerStep = 0.0f;
+    framesPerStep_.store(framesPerStep, std::memory_order_relaxed);
+}
+
+double PatternPlayer::framesPerStep() const
+{
+    if (!format_)
+        reportError(&errorContext(), kFatal, kSource, kNoFormatLine, u"SS: no format defined");
+    return framesPerStep_.load(std::memory_order_relaxed);
+}
+
+uint64_t PatternPlayer::framesPerPass() const
+{
+    return passFrames(length(), framesPerStep());
+}
+
+uint32_t PatternPlayer::currentStep() const
+{
+    uint32_t steps = length();
+    if (steps == 0)
+        return 0;
+    if (isPlaying()) {
+        double elapsed = static_cast<double>(nowMilliseconds() - startTick_.load(std::memory_order_relaxed));
+        double passed = static_cast<double>(steps) * tempo() * elapsed / 60000.0 / beatsPerPattern();
+        return static_cast<uint32_t>(startStep_.load(std::memory_order_relaxed) + static_cast<uint32_t>(passed)) % steps;
+    }
+    double perStep = framesPerStep_.load(std::memory_order_relaxed);
+    if (perStep <= 0.0)
+        return 0;
+    return static_cast<uint32_t>(static_cast<double>(position()) / perStep) % steps;
+}
+
+void PatternPlayer::triggerLive(int32_t track)
+{
+    soloTrack_.store(track, std::memory_order_relaxed);
+    liveTrigger_.store(track >= 0, std::memory_order_release);
+}
+
+void PatternPlayer::seek(uint64_t frame)
+{
+    uint64_t pass = format_ ? framesPerPass() : 0;
+    position_.store(pass > 0 ? frame % pass : 0, std::memory_order_relaxed);
+    renderedFramesPerStep_ = framesPerStep_.load(std::memory_order_relaxed);
+    markFreshStart();
+}
+
+void PatternPlayer::start()
+{
+    startStep_.store(currentStep(), std::memory_order_relaxed);
+    startTick_.store(nowMilliseconds(), std::memory_order_relaxed);
+    playing_.store(true, std::memory_order_release);
+}
+
+void PatternPlayer::stop()
+{
+    playing_.store(false, std::memory_order_release);
+    cutRequested_.store(true, std::memory_order_release);
+}
+
+void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
+{
+    std::fill(out, out + static_cast<std::size_t>(frames) * channels, 0.0f);
+    if (cutRequested_.exchange(false, std::memory_order_acquire)) {
+        for (TrackVoice& track : tracks_)
+            track.cut();
+    }
+
+    Block block {};
+    block.out = out;
+    block.frames = frames;
+    block.channels = channels;
+    block.framesPerStep = framesPerStep_.load(std::memory_order_relaxed);
+    block.length = length();
+    block.framesPerPass = passFrames(block.length, block.framesPerStep);
+    block.sequencing = isPlaying() && block.framesPerPass > 0;
+    block.liveTrack = liveTrigger_.exchange(false, std::memory_order_acquire) ? soloTrack() : -1;
+
+    uint64_t position = position_.load(std::memory_order_relaxed);
+    if (block.sequencing) {
+        // A new tempo, length or rate keeps playing at the same point of the pass.
+        if (renderedFramesPerStep_ > 0.0 && renderedFramesPerStep_ != block.framesPerStep)
+            position = static_cast<uint64_t>(static_cast<double>(position) * block.framesPerStep / renderedFramesPerStep_);
+        renderedFramesPerStep_ = block.framesPerStep;
+        position %= block.framesPerPass;
+        block.position = position;
+        block.wrapsAtStart = position == 0 && !freshStart_.exchange(false, std::memory_order_relaxed);
+    }
+
+    for (uint32_t row = 0; row < kTracks; ++row)
+        renderTrack(row, block);
+
+    if (block.sequencing) {
+        uint64_t end = position + frames;
+        uint64_t innerWraps = (end - 1) / block.framesPerPass;
+        uint64_t wraps = innerWraps + (block.wrapsAtStart ? 1 : 0);
+        if (wraps > 0)
+            advanceForRow(-1, static_cast<uint32_t>(wraps - 1));
+        position_.store(end % block.framesPerPass, std::memory_order_relaxed);
+    }
+}
+
+void PatternPlayer::renderTrack(uint32_t row, const Block& block)
+{
+    TrackVoice& track = tracks_[row];
+    track.beginBlock(block.out, block.frames, block.channels, block.framesPerStep);
+    if (static_cast<int32_t>(row) == block.liveTrack)
+        track.trigger(0, { volume(), 1.0f, 0 });
+
+    if (block.sequencing) {
+        float masterVolume = volume();
+        uint64_t end = block.position + block.frames;
+        uint32_t wrap = 0;
+        // Walk the pass segments the block covers: the rest of the current pass, then whole
+        // passes, each starting at its step 0.
+        for (uint64_t passStart = 0; passStart < end; passStart += block.framesPerPass) {
+            uint64_t from = passStart == 0 ? block.position : 0;
+            uint64_t to = std::min(end - passStart, block.framesPerPass);
+            if (passStart > 0 || block.wrapsAtStart)
+                advanceForRow(static_cast<int32_t>(row), wrap++);
+            for (uint32_t step = firstStepFrom(from, block.framesPerStep); step < block.length; ++step) {
+                uint64_t start = stepStart(step, block.framesPerStep);
+                if (start >= to)
+                    break;
+                Step cell = grid_.cell(row, step);
+                if (!cell.isNote())
+                    continue;
+                cell.volume *= masterVolume;
+                track.trigger(static_cast<uint32_t>(passStart + start - block.position), cell);
+            }
+        }
+    }
+    track.endBlock();
+}
+
+} // namespace pulsara

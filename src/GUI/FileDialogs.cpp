@@ -1,0 +1,112 @@
+#include "GUI/FileDialogs.h"
+
+#include "base/Path.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QStringList>
+
+namespace pulsara {
+
+namespace {
+
+QString toQString(std::u16string_view text)
+{
+    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QStringList qtFilters(const FilePath& path)
+{
+    QStringList filters;
+    for (const FileFilter& filter : parseFilterList(path.filter)) {
+        QString patterns = toQString(filter.pattern).replace(u';', u' ');
+        filters << toQString(filter.description) + QStringLiteral(" (") + patterns + QStringLiteral(")");
+    }
+    return filters;
+}
+
+// The program's own dialog rather than the desktop's, so that it behaves the same everywhere,
+// including under the offscreen platform of the tests.
+void prepare(QFileDialog& dialog, const FilePath& path)
+{
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    QStringList filters = qtFilters(path);
+    if (!filters.isEmpty()) {
+        dialog.setNameFilters(filters);
+        uint32_t index = path.filterIndex > 0 ? path.filterIndex - 1 : 0;
+        if (index < static_cast<uint32_t>(filters.size()))
+            dialog.selectNameFilter(filters[static_cast<qsizetype>(index)]);
+    }
+    dialog.setDirectory(toQString(dialogStartFolder(path)));
+}
+
+void storeChoice(FilePath& path, const QFileDialog& dialog)
+{
+    QString chosen = dialog.selectedFiles().value(0);
+    path.assign(chosen.toStdU16String());
+    QStringList filters = dialog.nameFilters();
+    qsizetype index = filters.indexOf(dialog.selectedNameFilter());
+    if (!filters.isEmpty() && index >= 0)
+        path.filterIndex = static_cast<uint32_t>(index) + 1;
+}
+
+} // namespace
+
+std::u16string dialogStartFolder(const PathString& path)
+{
+    if (!path.empty()) {
+        QFileInfo info(toQString(path.view()));
+        if (info.isDir())
+            return info.absoluteFilePath().toStdU16String();
+        if (info.absoluteDir().exists())
+            return info.absolutePath().toStdU16String();
+    }
+    return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation).toStdU16String();
+}
+
+int chooseOpenFile(FilePath& path)
+{
+    QFileDialog dialog(path.owner);
+    prepare(dialog, path);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    if (!path.empty())
+        dialog.selectFile(toQString(pathFileName(path.view())));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return 0;
+    storeChoice(path, dialog);
+    return 1;
+}
+
+int chooseSaveFile(FilePath& path)
+{
+    QFileDialog dialog(path.owner);
+    prepare(dialog, path);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    if (!path.empty())
+        dialog.selectFile(toQString(pathFileName(path.view())));
+    if (dialog.exec() != QDialog::Accepted)
+        return 0;
+    QString chosen = dialog.selectedFiles().value(0);
+    if (chosen.isEmpty() || QFileInfo(chosen).fileName().isEmpty())
+        return 0;
+    storeChoice(path, dialog);
+    return 1;
+}
+
+int chooseFolder(FilePath& path)
+{
+    QFileDialog dialog(path.owner, QStringLiteral("Open Folder"));
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setDirectory(toQString(dialogStartFolder(path)));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return 0;
+    path.assign(dialog.selectedFiles().value(0).toStdU16String());
+    return 1;
+}
+
+} // namespace pulsara

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "GUI/FilePath.h"
+
+namespace pulsara {
+
+// The three file dialogs. Each returns 1 when the user chose something (the FilePath then holds
+// it) and 0 when the dialog was cancelled (the FilePath is left as it was).
+
+// A file that exists; the dialog starts at the path's own file and remembers the chosen filter.
+int chooseOpenFile(FilePath&);
+// A file to write in a folder that exists; the name is taken as the user typed it, with no
+// extension added.
+int chooseSaveFile(FilePath&);
+// A folder, in a dialog titled "Open Folder".
+int chooseFolder(FilePath&);
+
+// The folder a dialog for this path opens in: the path's own folder when it names one, else the
+// user's documents folder.
+std::u16string dialogStartFolder(const PathString&);
+
+} // namespace pulsara

@@ -66,9 +66,10 @@ public:
     void unload();
     bool isLoaded() const { return !path_.empty(); }
 
-    // Replaces the frames (interleaved, at the output's channel count) without a file, as the
-    // reader does after converting; keeps one silent spare frame after the data.
-    void setFrames(std::vector<float> interleaved, uint32_t channels);
+    // Replaces the frames (interleaved, 1 or 2 channels, at the output's channel count) without a
+    // file, as the reader does after converting; keeps one silent spare frame after the data.
+    // Returns false (after the out-of-memory report) when the spare frame cannot be added.
+    bool setFrames(std::vector<float> interleaved, uint32_t channels);
 
     const PathString& path() const { return path_; }
     const std::u16string& displayName() const { return displayName_; }
@@ -83,6 +84,10 @@ public:
 
 private:
     friend class WavReader;
+
+    // Device callback thread: no allocation, locks, I/O or logging.
+    void mixDirect(float* out, uint32_t frames, uint32_t channels, float volume);
+    void mixResampled(float* out, uint32_t frames, uint32_t channels, float rate, float volume);
 
     std::atomic<bool> playing_ { false };
     const AudioFormat* format_ = nullptr;

@@ -1,0 +1,210 @@
+#include "Sound/Resampler.h"
+
+#include "base/ErrorReporter.h"
+
+#include <cmath>
+
+namespace pulsara {
+
+namespace {
+
+constexpr const char* kSource = "Sound/base";
+constexpr int kLinearChannelsLine = 99;
+constexpr int kNearestChannelsLine = 135;
+
+// The fast loops work in chunks of this many output frames: the first pass computes source
+// indices (and fractions) into stack arrays, the second gathers and accumulates. A constant trip
+// count lets the compiler vectorise both passes fully at -O2.
+constexpr int32_t kChunkFrames = 64;
+
+// Positions at or beyond this cannot be taken as an int32 frame index.
+constexpr double kIndexLimit = 2147483647.0;
+
+// Output frames [first, first + count) of the nearest method; `source` points at frame (int)position.
+template<uint32_t Channels>
+[[gnu::always_inline]] inline void nearestSpan(float* __restrict out, const float* __restrict source, int32_t first,
+    int32_t count, float rate, float volume)
+{
+    int32_t offsets[kChunkFrames];
+    for (int32_t j = 0; j < count; ++j)
+        offsets[j] = static_cast<int32_t>(static_cast<float>(first + j) * rate);
+    float* target = out + static_cast<std::ptrdiff_t>(first) * Channels;
+    for (int32_t j = 0; j < count; ++j) {
+        const float* frame = source + static_cast<std::ptrdiff_t>(offsets[j]) * Channels;
+        for (uint32_t c = 0; c < Channels; ++c)
+            target[j * Channels + c] += frame[c] * volume;
+    }
+}
+
+// The same frame for frame, skipping every frame whose source lies outside the readable frames.
+template<uint32_t Channels>
+void nearestGuarded(float* out, const MixSource& from, int32_t frames, float rate, float volume)
+{
+    for (int32_t k = 0; k < frames; ++k) {
+        float offset = static_cast<float>(k) * rate;
+        if (!(offset > -1.0f && static_cast<double>(offset) < from.frames))
+            continue;
+        const float* frame = from.data + static_cast<std::size_t>(static_cast<uint32_t>(offset)) * Channels;
+        for (uint32_t c = 0; c < Channels; ++c)
+            out[static_cast<std::size_t>(k) * Channels + c] += frame[c] * volume;
+    }
+}
+
+template<uint32_t Channels>
+void nearestFrames(float* out, const MixSource& from, int32_t frames, float rate, float volume)
+{
+    if (frames <= 0)
+        return;
+    // Offsets grow with k for a non-negative rate, so the last one bounds them all.
+    double lastOffset = static_cast<float>(frames - 1) * rate;
+    if (!(rate >= 0.0f && lastOffset < from.frames && lastOffset < kIndexLimit)) {
+        nearestGuarded<Channels>(out, from, frames, rate, volume);
+        return;
+    }
+    int32_t k = 0;
+    for (; k + kChunkFrames <= frames; k += kChunkFrames)
+        nearestSpan<Channels>(out, from.data, k, kChunkFrames, rate, volume);
+    if (k < frames)
+        nearestSpan<Channels>(out, from.data, k, frames - k, rate, volume);
+}
+
+template<uint32_t Channels>
+[[gnu::always_inline]] inline void interpolate(float* __restrict target, const float* __restrict source, int32_t index,
+    double frac, float volume)
+{
+    const float* frame = source + static_cast<std::ptrdiff_t>(index) * Channels;
+    for (uint32_t c = 0; c < Channels; ++c) {
+        float s0 = frame[c];
+        float delta = frame[Channels + c] - s0;
+        float value = static_cast<float>(static_cast<double>(s0) + frac * static_cast<double>(delta));
+        target[c] += value * volume;
+    }
+}
+
+// Output frames [first, first + count) of the linear method where the running position is
+// exactly p0 + k * rate (see runningSumIsExact), so that every frame's position can be computed
+// on its own.
+template<uint32_t Channels>
+[[gnu::always_inline]] inline void linearSpan(float* __restrict out, const float* __restrict source, int32_t first,
+    int32_t count, double p0, double rate, float volume)
+{
+    int32_t indices[kChunkFrames];
+    double fracs[kChunkFrames];
+    for (int32_t j = 0; j < count; ++j) {
+        double k = first + j;
+        int32_t i = static_cast<int32_t>(p0 + k * rate);
+        indices[j] = i;
+        fracs[j] = (k - (i - p0) / rate) * rate;
+    }
+    float* target = out + static_cast<std::ptrdiff_t>(first) * Channels;
+    for (int32_t j = 0; j < count; ++j)
+        interpolate<Channels>(target + j * Channels, source, indices[j], fracs[j], volume);
+}
+
+// True when every partial sum p0 + rate + ... + rate of `frames + 1` steps is exact in double,
+// so equals p0 + k * rate: p0 is a non-negative multiple of the float rate's last mantissa bit
+// and the largest sum needs fewer than 53 significant bits of that unit.
+bool runningSumIsExact(double p0, float rate, int32_t frames)
+{
+    if (!(rate > 0.0f) || !std::isfinite(rate) || !(p0 >= 0.0) || !std::isfinite(p0))
+        return false;
+    int exponent = 0;
+    std::frexp(rate, &exponent);
+    int unitExponent = exponent - 24; // rate = integer * 2^unitExponent
+    double p0Units = std::ldexp(p0, -unitExponent);
+    if (p0Units != std::floor(p0Units))
+        return false;
+    double lastUnits = std::ldexp(p0 + (static_cast<double>(frames) + 1.0) * rate, -unitExponent);
+    return lastUnits < 0x1p52;
+}
+
+template<uint32_t Channels>
+double linearGuarded(float* out, const MixSource& source, int32_t frames, double p0, double rate, float volume)
+{
+    double p = p0;
+    for (int32_t k = 0; k < frames; ++k) {
+        if (p > -1.0 && p < kIndexLimit) {
+            int32_t i = static_cast<int32_t>(p);
+            if (static_cast<uint32_t>(i) + 1 < source.frames) {
+                double frac = (k - (i - p0) / rate) * rate;
+                interpolate<Channels>(out + static_cast<std::size_t>(k) * Channels, source.data, i, frac, volume);
+            }
+        }
+        p += rate;
+    }
+    return p + rate;
+}
+
+template<uint32_t Channels>
+double linearFrames(float* out, const MixSource& source, int32_t frames, double p0, float rate, float volume)
+{
+    if (runningSumIsExact(p0, rate, frames)) {
+        double lastPosition = p0 + static_cast<double>(frames - 1) * rate;
+        if (lastPosition < kIndexLimit && static_cast<uint32_t>(lastPosition) + 1 < source.frames) {
+            int32_t k = 0;
+            for (; k + kChunkFrames <= frames; k += kChunkFrames)
+                linearSpan<Channels>(out, source.data, k, kChunkFrames, p0, rate, volume);
+            if (k < frames)
+                linearSpan<Channels>(out, source.data, k, frames - k, p0, rate, volume);
+            return p0 + static_cast<double>(frames) * rate + rate;
+        }
+    }
+    return linearGuarded<Channels>(out, source, frames, p0, rate, volume);
+}
+
+int32_t frameCount(const MixTarget& target)
+{
+    return static_cast<int32_t>(target.frames > kIndexLimit ? kIndexLimit : target.frames);
+}
+
+} // namespace
+
+void mixCopy(float* __restrict out, const float* __restrict source, uint32_t count, float volume)
+{
+    // Whole runs of a constant length vectorise at -O2; the rest goes one by one.
+    constexpr std::size_t kRun = 16;
+    std::size_t runs = count / kRun;
+    for (std::size_t r = 0; r < runs; ++r) {
+        float* target = out + r * kRun;
+        const float* from = source + r * kRun;
+        for (std::size_t j = 0; j < kRun; ++j)
+            target[j] += from[j] * volume;
+    }
+    for (std::size_t i = runs * kRun; i < count; ++i)
+        out[i] += source[i] * volume;
+}
+
+double mixNearest(const MixTarget& target, const MixSource& source, double position, float rate, float volume)
+{
+    double next = position + static_cast<float>(target.frames) * rate;
+    if (target.channels > 2) {
+        reportError(&errorContext(), kFatal, kSource, kNearestChannelsLine, u"NoInterpolation: more than 2 channels");
+        return next;
+    }
+    if (!(position > -1.0 && position < source.frames))
+        return next;
+    auto base = static_cast<uint32_t>(position < 0.0 ? 0.0 : position);
+    MixSource from { source.data + static_cast<std::size_t>(base) * target.channels, source.frames - base };
+    if (target.channels == 1)
+        nearestFrames<1>(target.out, from, frameCount(target), rate, volume);
+    else if (target.channels == 2)
+        nearestFrames<2>(target.out, from, frameCount(target), rate, volume);
+    return next;
+}
+
+double mixLinear(const MixTarget& target, const MixSource& source, double position, float rate, float volume)
+{
+    if (target.frames < 2)
+        return mixNearest(target, source, position, rate, volume);
+    if (target.channels > 2) {
+        reportError(&errorContext(), kFatal, kSource, kLinearChannelsLine, u"LinearInterpolation: more than 2 channels");
+        return position + rate;
+    }
+    if (target.channels == 1)
+        return linearFrames<1>(target.out, source, frameCount(target), position, rate, volume);
+    if (target.channels == 2)
+        return linearFrames<2>(target.out, source, frameCount(target), position, rate, volume);
+    return linearGuarded<0>(target.out, source, frameCount(target), position, rate, volume);
+}
+
+} // namespace pulsara

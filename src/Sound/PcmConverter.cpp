@@ -9,12 +9,6 @@ PcmConverter::PcmConverter(uint32_t bits, uint32_t sourceChannels, uint32_t targ
 {
 }
 
-bool PcmConverter::isSupported() const
-{
-    bool channelsSupported = sourceChannels_ >= 1 && sourceChannels_ <= 2 && targetChannels_ >= 1 && targetChannels_ <= 2;
-    return channelsSupported && (bits_ == 8 || bits_ == 16);
-}
-
 float PcmConverter::sampleAt(const uint8_t* bytes, uint32_t index) const
 {
     if (bits_ == 8)

@@ -17,15 +17,11 @@ public:
     // 8-bit samples are unsigned around 128; they are widened to 16 bits first.
     static float fromPcm8(uint8_t sample) { return static_cast<int16_t>((sample - 128) * 256) * kPcm16Scale; }
 
+    // `bits` is 8 or 16; the channel counts are 1 or 2.
     PcmConverter(uint32_t bits, uint32_t sourceChannels, uint32_t targetChannels);
 
-    // True for 8 or 16 bits and 1 or 2 channels on each side.
-    bool isSupported() const;
-    // Bytes one source frame takes.
-    uint32_t sourceFrameBytes() const { return bits_ / 8 * sourceChannels_; }
-
-    // Converts `frames` source frames from `bytes` (which holds at least frames x
-    // sourceFrameBytes()) into `out` (frames x target channels floats). Mono to stereo copies
+    // Converts `frames` source frames from `bytes` (which holds at least frames x source
+    // channels x bits / 8 bytes) into `out` (frames x target channels floats). Mono to stereo copies
     // the sample into both channels; stereo to mono takes (left + right) x 0.5.
     void convert(const uint8_t* bytes, uint32_t frames, float* out) const;
 

@@ -1,0 +1,154 @@
+#include "Sound/SongFile.h"
+
+#include "Sound/SongReader.h"
+#include "Sound/SongWriter.h"
+#include "base/ErrorReporter.h"
+#include "base/Path.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace pulsara {
+
+using namespace songfile;
+
+namespace {
+
+constexpr int kCantOpenLine = 112;
+constexpr int kCantSaveLine = 342;
+
+// A full song (40 patterns of 40 rows of 64 notes) takes about 4 MB; what lies past this much
+// is not read, as if the file ended there.
+constexpr std::size_t kMaxSongFileBytes = 64 * 1024 * 1024;
+constexpr std::size_t kReadChunkBytes = 64 * 1024;
+
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int fd)
+        : fd_(fd)
+    {
+    }
+    ~FileDescriptor()
+    {
+        if (fd_ >= 0)
+            ::close(fd_);
+    }
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+    int get() const { return fd_; }
+    // Closes now, so that the caller learns of a failure to write the last data.
+    bool close()
+    {
+        int fd = fd_;
+        fd_ = -1;
+        return ::close(fd) == 0;
+    }
+
+private:
+    int fd_;
+};
+
+struct FileContents {
+    std::vector<uint8_t> bytes;
+    SongReader::DataEnd end = SongReader::DataEnd::EndOfFile;
+};
+
+FileContents readWholeFile(int fd, std::size_t sizeHint)
+{
+    FileContents contents;
+    contents.bytes.reserve(std::min(sizeHint, kMaxSongFileBytes));
+    while (contents.bytes.size() < kMaxSongFileBytes) {
+        std::size_t had = contents.bytes.size();
+        std::size_t chunk = std::min(kReadChunkBytes, kMaxSongFileBytes - had);
+        contents.bytes.resize(had + chunk);
+        ssize_t got = ::read(fd, contents.bytes.data() + had, chunk);
+        if (got < 0 && errno == EINTR) {
+            contents.bytes.resize(had);
+            continue;
+        }
+        contents.bytes.resize(had + static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+        if (got < 0)
+            contents.end = SongReader::DataEnd::ReadError;
+        if (got <= 0)
+            break;
+    }
+    return contents;
+}
+
+bool writeAll(int fd, const std::vector<uint8_t>& bytes)
+{
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        ssize_t count = ::write(fd, bytes.data() + written, bytes.size() - written);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        written += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+// Creates a file beside `target` that no one else uses; its name is returned through `name`.
+int createTemporaryBeside(const std::string& target, std::string& name)
+{
+    constexpr int kAttempts = 100;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        name = target + ".saving-" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
+        int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd >= 0 || errno != EEXIST)
+            return fd;
+    }
+    return -1;
+}
+
+// Writes the bytes to a temporary file in the target's folder and renames it over the target,
+// so that the target holds either the old song or the whole new one.
+bool replaceFile(const std::string& target, const std::vector<uint8_t>& bytes)
+{
+    std::string temporaryName;
+    FileDescriptor file(createTemporaryBeside(target, temporaryName));
+    if (file.get() < 0)
+        return false;
+    bool written = writeAll(file.get(), bytes) && ::fsync(file.get()) == 0;
+    if (file.close() && written && ::rename(temporaryName.c_str(), target.c_str()) == 0)
+        return true;
+    ::unlink(temporaryName.c_str());
+    return false;
+}
+
+} // namespace
+
+int loadSong(Song& song, std::u16string_view path, SampleLocator& locator)
+{
+    // Not blocking on the open keeps a named pipe from hanging the load; it is refused below.
+    FileDescriptor file(::open(nativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat info {};
+    if (file.get() < 0 || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        std::u16string message = u"Can't open kvSong file \"";
+        message += path;
+        message += u'"';
+        reportError(&errorContext(), kRecoverable, kSource, kCantOpenLine, message);
+        return 0;
+    }
+    FileContents contents = readWholeFile(file.get(), static_cast<std::size_t>(std::max<off_t>(info.st_size, 0)));
+    file.close();
+    return SongReader(song, locator, contents.bytes, contents.end).read();
+}
+
+int saveSong(Song& song, std::u16string_view path, SampleLocator& locator)
+{
+    std::vector<uint8_t> bytes = SongWriter(song, locator, path).write();
+    // A song that cannot be put in place is fatal: that is the program's choice.
+    if (!replaceFile(nativePath(path), bytes))
+        reportError(&errorContext(), kFatal, kSource, kCantSaveLine, u"cant open kvSong file to save");
+    return 1;
+}
+
+} // namespace pulsara

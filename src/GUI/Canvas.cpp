@@ -1,0 +1,212 @@
+#include "GUI/Canvas.h"
+
+#include "GUI/RootElement.h"
+#include "GUI/WindowMessage.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace pulsara {
+
+namespace {
+
+QString toQString(std::u16string_view text)
+{
+    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// Virtual-key numbers of the keys whose number differs from Qt's.
+uintptr_t virtualKey(const QKeyEvent& event)
+{
+    switch (event.key()) {
+    case Qt::Key_Escape:
+        return kKeyEscape;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        return 13;
+    case Qt::Key_Space:
+        return 32;
+    case Qt::Key_Left:
+        return 37;
+    case Qt::Key_Up:
+        return 38;
+    case Qt::Key_Right:
+        return 39;
+    case Qt::Key_Down:
+        return 40;
+    default:
+        // Letters and digits share their numbers with Qt's keys.
+        return static_cast<uintptr_t>(event.key()) & 0xFFFF;
+    }
+}
+
+} // namespace
+
+Canvas::Canvas(RootElement& root, QMainWindow* frame) : root_(root), frame_(frame)
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+    if (frame_)
+        frame_->installEventFilter(this);
+    else
+        installEventFilter(this);
+}
+
+Canvas::~Canvas()
+{
+    if (created_ && !destroyed_) {
+        destroyed_ = true;
+        send(kMessageDestroy);
+    }
+}
+
+intptr_t Canvas::send(uint32_t message, uintptr_t wParam, intptr_t lParam)
+{
+    return root_.handleMessage(message, wParam, lParam);
+}
+
+void Canvas::sendCreateOnce()
+{
+    if (created_)
+        return;
+    created_ = true;
+    send(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(this)));
+    send(kMessageSize, 0, packPosition(width(), height()));
+}
+
+bool Canvas::event(QEvent* event)
+{
+    if (event->type() == QEvent::Polish || event->type() == QEvent::Show)
+        sendCreateOnce();
+    return QWidget::event(event);
+}
+
+bool Canvas::eventFilter(QObject* watched, QEvent* event)
+{
+    // The close button asks the root, which closes the window through destroyWindow (or not).
+    if (event->type() == QEvent::Close && !destroyed_) {
+        event->ignore();
+        send(kMessageClose);
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void Canvas::bringToForeground()
+{
+    QWidget* top = window();
+    top->raise();
+    top->activateWindow();
+}
+
+bool Canvas::createMenuBar()
+{
+    if (!frame_ || !buildMenus)
+        return true;
+    return buildMenus(frame_->menuBar());
+}
+
+void Canvas::destroyMenuBar()
+{
+    if (frame_)
+        frame_->menuBar()->clear();
+}
+
+void Canvas::destroyWindow()
+{
+    if (destroyed_)
+        return;
+    destroyed_ = true;
+    send(kMessageDestroy);
+    window()->close();
+}
+
+ElemRect Canvas::clientRect() const
+{
+    return { 0, 0, width(), height() + menuBarHeight() };
+}
+
+int32_t Canvas::menuBarHeight() const
+{
+    if (!frame_ || !frame_->menuWidget() || frame_->menuWidget()->isHidden())
+        return 0;
+    return frame_->menuWidget()->height();
+}
+
+void Canvas::invalidate(const ElemRect& rect)
+{
+    QRect area = rect.toQRect();
+    presented_ -= QRegion(area);
+    update(area);
+}
+
+void Canvas::present(const QRegion& region)
+{
+    presented_ += region;
+    update(region);
+}
+
+void Canvas::paintEvent(QPaintEvent* event)
+{
+    updateRegion_ = event->region() - presented_;
+    presented_ -= event->region();
+    if (!updateRegion_.isEmpty())
+        send(kMessagePaint);
+    updateRegion_ = QRegion();
+    const QImage& buffer = root_.backBuffer().image();
+    QPainter painter(this);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const QRect& rect : event->region())
+        painter.drawImage(rect.topLeft(), buffer, rect);
+}
+
+void Canvas::resizeEvent(QResizeEvent*)
+{
+    if (created_)
+        send(kMessageSize, 0, packPosition(width(), height()));
+}
+
+void Canvas::mousePressEvent(QMouseEvent* event)
+{
+    uint32_t message = event->button() == Qt::RightButton ? kMessageRightButtonDown : kMessageLeftButtonDown;
+    QPoint at = event->position().toPoint();
+    send(message, 0, packPosition(at.x(), at.y()));
+}
+
+void Canvas::mouseReleaseEvent(QMouseEvent* event)
+{
+    uint32_t message = event->button() == Qt::RightButton ? kMessageRightButtonUp : kMessageLeftButtonUp;
+    QPoint at = event->position().toPoint();
+    send(message, 0, packPosition(at.x(), at.y()));
+}
+
+void Canvas::mouseMoveEvent(QMouseEvent* event)
+{
+    QPoint at = event->position().toPoint();
+    send(kMessageMouseMove, 0, packPosition(at.x(), at.y()));
+}
+
+void Canvas::keyPressEvent(QKeyEvent* event)
+{
+    send(kMessageKeyDown, virtualKey(*event), 0);
+}
+
+void Canvas::postQuit()
+{
+    QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
+}
+
+void Canvas::showMessage(std::u16string_view text, std::u16string_view caption)
+{
+    QMessageBox::information(this, toQString(caption), toQString(text));
+}
+
+} // namespace pulsara

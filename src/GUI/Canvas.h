@@ -1,0 +1,68 @@
+#pragma once
+
+#include "GUI/NativeWindow.h"
+
+#include <QRegion>
+#include <QWidget>
+
+#include <functional>
+
+class QMainWindow;
+class QMenuBar;
+
+namespace pulsara {
+
+class RootElement;
+
+// The widget the element tree lives in. It turns Qt's events into the root's window messages
+// (create, size, paint, close, keys, mouse) and shows the root's back buffer. Placed in a
+// QMainWindow, the frame's menu bar is the menu bar the messages create and destroy.
+class Canvas : public QWidget, public NativeWindow {
+public:
+    explicit Canvas(RootElement&, QMainWindow* frame = nullptr);
+    ~Canvas() override;
+
+    // Fills the menu bar when the create message asks for it; false reports a failure.
+    std::function<bool(QMenuBar*)> buildMenus;
+
+    void bringToForeground() override;
+    bool createMenuBar() override;
+    void destroyMenuBar() override;
+    void destroyWindow() override;
+    ElemRect clientRect() const override;
+    int32_t menuBarHeight() const override;
+    QRegion updateRegion() const override { return updateRegion_; }
+    void invalidate(const ElemRect&) override;
+    void present(const QRegion&) override;
+    void captureStylus() override { hasCapture_ = true; }
+    void releaseStylus() override { hasCapture_ = false; }
+    bool hasStylusCapture() const override { return hasCapture_; }
+    void postQuit() override;
+    void showMessage(std::u16string_view text, std::u16string_view caption) override;
+
+protected:
+    bool event(QEvent*) override;
+    bool eventFilter(QObject*, QEvent*) override;
+    void paintEvent(QPaintEvent*) override;
+    void resizeEvent(QResizeEvent*) override;
+    void mousePressEvent(QMouseEvent*) override;
+    void mouseReleaseEvent(QMouseEvent*) override;
+    void mouseMoveEvent(QMouseEvent*) override;
+    void keyPressEvent(QKeyEvent*) override;
+
+private:
+    void sendCreateOnce();
+    intptr_t send(uint32_t message, uintptr_t wParam = 0, intptr_t lParam = 0);
+
+    RootElement& root_;
+    QMainWindow* frame_;
+    // Parts of the window whose back-buffer pixels are already fresh: shown without a paint
+    // message.
+    QRegion presented_;
+    QRegion updateRegion_;
+    bool created_ = false;
+    bool destroyed_ = false;
+    bool hasCapture_ = false;
+};
+
+} // namespace pulsara

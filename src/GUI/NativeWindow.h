@@ -1,0 +1,44 @@
+#pragma once
+
+#include "GUI/ElemRect.h"
+
+#include <string_view>
+
+class QRegion;
+
+namespace pulsara {
+
+// What the root element asks of the top-level window it draws into. The Qt canvas implements
+// it; tests put a recording stand-in in its place.
+class NativeWindow {
+public:
+    virtual ~NativeWindow() = default;
+
+    virtual void bringToForeground() = 0;
+    // Builds the window's menu bar; false when that failed.
+    virtual bool createMenuBar() = 0;
+    virtual void destroyMenuBar() = 0;
+    // Closes the window for good (the default handling of the close message).
+    virtual void destroyWindow() = 0;
+
+    // The client area, the menu bar's room included, and the height of that room.
+    virtual ElemRect clientRect() const = 0;
+    virtual int32_t menuBarHeight() const = 0;
+
+    // While the paint message is handled: the part of the window to repaint.
+    virtual QRegion updateRegion() const = 0;
+    // Asks for a paint message for the rectangle, later, without erasing it first.
+    virtual void invalidate(const ElemRect&) = 0;
+    // The back buffer already holds fresh pixels there: show them, without a paint message.
+    virtual void present(const QRegion&) = 0;
+
+    virtual void captureStylus() = 0;
+    virtual void releaseStylus() = 0;
+    virtual bool hasStylusCapture() const = 0;
+
+    // Ends the message loop.
+    virtual void postQuit() = 0;
+    virtual void showMessage(std::u16string_view text, std::u16string_view caption) = 0;
+};
+
+} // namespace pulsara

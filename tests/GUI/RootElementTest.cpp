@@ -1,0 +1,235 @@
+#include "GUI/RootElement.h"
+#include "GUI/WindowMessage.h"
+#include "FakeWindow.h"
+#include "QtTestApplication.h"
+#include "RecordingElement.h"
+
+#include <QElapsedTimer>
+#include <gtest/gtest.h>
+
+namespace pulsara {
+namespace {
+
+using test::FakeWindow;
+using test::RecordingElement;
+using Log = std::vector<std::string>;
+
+// Fills its rectangle with one colour whenever it draws.
+class SolidElement : public Element {
+public:
+    SolidElement(QRgb colour, ElemRect rect) : colour_(colour) { layout(rect); }
+    QRgb colour_;
+    int draws = 0;
+
+    int paint(DeviceContext* dc, uint32_t mode) override
+    {
+        if (mustDraw(mode)) {
+            dc->fillRect(rect_.toQRect(), QColor(colour_));
+            ++draws;
+        }
+        return Element::paint(dc, mode);
+    }
+};
+
+struct CreatedRoot {
+    FakeWindow window;
+    RootElement root;
+    CreatedRoot()
+    {
+        test::testApplication();
+        root.handleMessage(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(&window)));
+        root.handleMessage(kMessageSize, 0, 0);
+    }
+    void paintAll()
+    {
+        window.paintRegion = QRegion(root.rect()->toQRect());
+        root.handleMessage(kMessagePaint, 0, 0);
+    }
+};
+
+TEST(RootElement, CreateRemembersTheWindowAndBuildsTheMenuBar)
+{
+    CreatedRoot created;
+    EXPECT_EQ(created.root.windowHandle(), &created.window);
+    EXPECT_EQ(RootElement::mainWindow(), &created.window);
+    EXPECT_EQ(created.window.calls, (Log { "foreground", "createMenuBar" }));
+    EXPECT_EQ(created.root.window(), &created.root);
+}
+
+TEST(RootElement, AFailedMenuBarShowsItsMessage)
+{
+    FakeWindow window;
+    window.menuBarWorks = false;
+    RootElement root;
+    root.handleMessage(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(&window)));
+    EXPECT_EQ(window.calls.back(), "message SHCreateMenuBar Failed / error");
+}
+
+TEST(RootElement, SizeLaysOutTheClientAreaLessTheMenuBarsRoom)
+{
+    CreatedRoot created;
+    EXPECT_EQ(*created.root.rect(), (ElemRect { 0, 0, 200, 100 }));
+}
+
+TEST(RootElement, ButtonsCaptureTheStylusAndAnUpWithoutCaptureIsIgnored)
+{
+    CreatedRoot created;
+    Log log;
+    RecordingElement child("child", log, { 0, 0, 50, 50 });
+    created.root.addChild(&child);
+
+    EXPECT_EQ(created.root.handleMessage(kMessageLeftButtonUp, 0, packPosition(5, 5)), 1);
+    EXPECT_TRUE(log.empty());
+
+    created.root.handleMessage(kMessageRightButtonDown, 0, packPosition(5, 6));
+    EXPECT_TRUE(created.window.capture);
+    created.root.handleMessage(kMessageMouseMove, 0, packPosition(300, 300));
+    EXPECT_EQ(created.root.handleMessage(kMessageRightButtonUp, 0, packPosition(7, 8)), 0);
+    EXPECT_FALSE(created.window.capture);
+    created.root.handleMessage(kMessageLeftButtonDown, 0, packPosition(1, 2));
+    EXPECT_EQ(log, (Log { "child.down1@5,6", "child.move", "child.up1", "child.down0@1,2" }));
+}
+
+TEST(RootElement, PositionWordsAreTakenUnsigned)
+{
+    EXPECT_EQ(positionX(packPosition(-1, 3)), 0xFFFF);
+    EXPECT_EQ(positionY(packPosition(3, 40000)), 40000);
+}
+
+TEST(RootElement, EscapeQuitsOtherKeysDoNothing)
+{
+    CreatedRoot created;
+    created.window.calls.clear();
+    EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, 'A', 0), 0);
+    EXPECT_TRUE(created.window.calls.empty());
+    EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, kKeyEscape, 0), 0);
+    EXPECT_EQ(created.window.calls, (Log { "quit" }));
+}
+
+TEST(RootElement, DestroyRemovesTheMenuBarAndQuitsCloseDestroysTheWindow)
+{
+    CreatedRoot created;
+    created.window.calls.clear();
+    created.root.handleMessage(kMessageClose, 0, 0);
+    created.root.handleMessage(kMessageDestroy, 0, 0);
+    EXPECT_EQ(created.window.calls, (Log { "destroyWindow", "destroyMenuBar", "quit" }));
+    EXPECT_EQ(created.root.handleMessage(kMessageEraseBackground, 0, 0), 0);
+}
+
+TEST(RootElement, PaintDrawsIntoABackBufferOfTheRootsSize)
+{
+    CreatedRoot created;
+    SolidElement red(qRgb(255, 0, 0), { 10, 10, 20, 20 });
+    created.root.addChild(&red);
+    created.paintAll();
+    const QImage& buffer = created.root.backBuffer().image();
+    ASSERT_EQ(buffer.size(), QSize(200, 100));
+    EXPECT_EQ(buffer.pixel(15, 15), qRgb(255, 0, 0));
+    EXPECT_EQ(red.draws, 1);
+
+    // A resize recreates the buffer and paints all of it, whatever the update region.
+    created.window.client = { 0, 0, 120, 90 };
+    created.root.handleMessage(kMessageSize, 0, 0);
+    created.window.paintRegion = QRegion(0, 0, 1, 1);
+    created.root.handleMessage(kMessagePaint, 0, 0);
+    EXPECT_EQ(created.root.backBuffer().image().size(), QSize(120, 64));
+    EXPECT_EQ(created.root.backBuffer().image().pixel(29, 29), qRgb(255, 0, 0));
+}
+
+TEST(RootElement, PaintWithoutAnUpdateRegionPaintsNothing)
+{
+    CreatedRoot created;
+    SolidElement red(qRgb(255, 0, 0), { 10, 10, 20, 20 });
+    created.root.addChild(&red);
+    created.window.paintRegion = QRegion();
+    created.root.handleMessage(kMessagePaint, 0, 0);
+    EXPECT_EQ(red.draws, 0);
+}
+
+TEST(RootElement, PaintIsClippedToTheUpdateRegion)
+{
+    CreatedRoot created;
+    SolidElement red(qRgb(255, 0, 0), { 0, 0, 200, 100 });
+    created.root.addChild(&red);
+    created.paintAll();
+    red.colour_ = qRgb(0, 0, 255);
+    created.window.paintRegion = QRegion(0, 0, 10, 10);
+    created.root.handleMessage(kMessagePaint, 0, 0);
+    EXPECT_EQ(created.root.backBuffer().image().pixel(5, 5), qRgb(0, 0, 255));
+    EXPECT_EQ(created.root.backBuffer().image().pixel(50, 50), qRgb(255, 0, 0));
+}
+
+TEST(RootElement, ExcludeNarrowsAndAddWidensTheClip)
+{
+    CreatedRoot created;
+    created.paintAll();
+    QImage image(100, 100, QImage::Format_RGB32);
+    QPainter dc(&image);
+    created.root.excludeClip(&dc, { 0, 0, 50, 100 });
+    EXPECT_EQ(dc.clipRegion(), QRegion(50, 0, 50, 100));
+    created.root.addClip(&dc, { 0, 0, 10, 10 });
+    EXPECT_EQ(dc.clipRegion(), QRegion(50, 0, 50, 100).united(QRegion(0, 0, 10, 10)));
+
+    QImage other(100, 100, QImage::Format_RGB32);
+    QPainter unclipped(&other);
+    created.root.addClip(&unclipped, { 5, 5, 10, 10 });
+    EXPECT_EQ(unclipped.clipRegion(), QRegion(5, 5, 10, 10));
+}
+
+TEST(RootElement, InvalidationReachesTheWindowFromDeepInTheTree)
+{
+    CreatedRoot created;
+    ElementContainer panel;
+    SolidElement leaf(qRgb(1, 2, 3), { 4, 5, 6, 7 });
+    created.root.addChild(&panel);
+    panel.addChild(&leaf);
+    leaf.redraw();
+    ASSERT_EQ(created.window.invalidated.size(), 1u);
+    EXPECT_EQ(created.window.invalidated[0], (ElemRect { 4, 5, 6, 7 }));
+    EXPECT_EQ(leaf.window(), &created.root);
+}
+
+TEST(RootElement, TimerRepaintDrawsOnlyChangedElementsAndShowsTheirRectangles)
+{
+    CreatedRoot created;
+    SolidElement still(qRgb(0, 255, 0), { 0, 0, 50, 50 });
+    SolidElement changing(qRgb(255, 0, 0), { 60, 0, 20, 20 });
+    created.root.addChild(&still);
+    created.root.addChild(&changing);
+    created.paintAll();
+    EXPECT_TRUE(created.root.repaintTimer().isRunning());
+
+    changing.colour_ = qRgb(0, 0, 255);
+    changing.markDirty();
+    created.window.presented = QRegion();
+    QElapsedTimer clock;
+    clock.start();
+    while (changing.isDirty() && clock.elapsed() < 1000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    EXPECT_FALSE(changing.isDirty());
+    EXPECT_EQ(still.draws, 1);
+    EXPECT_EQ(changing.draws, 2);
+    EXPECT_EQ(created.window.presented, QRegion(60, 0, 20, 20));
+    EXPECT_EQ(created.root.backBuffer().image().pixel(65, 5), qRgb(0, 0, 255));
+}
+
+TEST(RootElement, RepaintNowDrawsAVisibleElementAtOnce)
+{
+    CreatedRoot created;
+    SolidElement meter(qRgb(255, 0, 0), { 0, 0, 10, 10 });
+    created.root.addChild(&meter);
+    created.paintAll();
+    created.window.presented = QRegion();
+    meter.colour_ = qRgb(0, 255, 0);
+    meter.repaintNow(0);
+    EXPECT_EQ(created.root.backBuffer().image().pixel(5, 5), qRgb(0, 255, 0));
+    EXPECT_EQ(created.window.presented, QRegion(0, 0, 10, 10));
+
+    meter.setVisible(false);
+    meter.colour_ = qRgb(0, 0, 255);
+    meter.repaintNow(0);
+    EXPECT_EQ(created.root.backBuffer().image().pixel(5, 5), qRgb(0, 255, 0));
+}
+
+} // namespace
+} // namespace pulsara

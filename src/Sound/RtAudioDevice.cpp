@@ -1,0 +1,73 @@
+#include "Sound/RtAudioDevice.h"
+
+namespace pulsara {
+
+namespace {
+
+// Errors on RtAudio's own thread must neither throw nor print there; the device notices a
+// dead output by the missing done notifications.
+void ignoreStreamError(RtAudioError::Type, const std::string&) { }
+
+} // namespace
+
+RtAudioDevice::RtAudioDevice(RtAudio::Api api)
+    : api_(api)
+{
+}
+
+RtAudioDevice::~RtAudioDevice()
+{
+    // Joins RtAudio's callback thread before the queue it reads goes away.
+    closeOutput();
+}
+
+WaveResult RtAudioDevice::openOutput(const WaveFormat& format)
+{
+    try {
+        rtAudio_ = std::make_unique<RtAudio>(api_);
+        rtAudio_->showWarnings(false);
+        if (rtAudio_->getDeviceCount() == 0) {
+            rtAudio_.reset();
+            return WaveResult::NoDevice;
+        }
+        RtAudio::StreamParameters parameters;
+        parameters.deviceId = rtAudio_->getDefaultOutputDevice();
+        parameters.nChannels = format.channels;
+        RtAudio::StreamOptions options;
+        options.streamName = "Pulsara";
+        unsigned frames = kFramesPerCallback;
+        rtAudio_->openStream(&parameters, nullptr, RTAUDIO_SINT16, format.samplesPerSecond, &frames,
+            &RtAudioDevice::fillOutput, this, &options, &ignoreStreamError);
+        if (rtAudio_->isStreamOpen())
+            rtAudio_->startStream();
+        if (rtAudio_->isStreamRunning())
+            return WaveResult::Ok;
+    } catch (const RtAudioError&) {
+    } catch (const std::bad_alloc&) {
+    }
+    closeOutput();
+    return WaveResult::NoDevice;
+}
+
+void RtAudioDevice::closeOutput()
+{
+    if (!rtAudio_)
+        return;
+    try {
+        // Stopping drains what RtAudio already holds, so the last buffer is heard whole.
+        if (rtAudio_->isStreamRunning())
+            rtAudio_->stopStream();
+        if (rtAudio_->isStreamOpen())
+            rtAudio_->closeStream();
+    } catch (const RtAudioError&) {
+    }
+    rtAudio_.reset();
+}
+
+int RtAudioDevice::fillOutput(void* output, void*, unsigned frames, double, RtAudioStreamStatus, void* device)
+{
+    static_cast<RtAudioDevice*>(device)->play(static_cast<int16_t*>(output), frames);
+    return 0;
+}
+
+} // namespace pulsara

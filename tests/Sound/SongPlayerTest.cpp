@@ -1,0 +1,146 @@
+#include "support/PlayerRig.h"
+
+#include <gtest/gtest.h>
+
+using namespace pulsara;
+using pulsara::testing::PlayerRig;
+using pulsara::testing::soundingFrames;
+
+namespace {
+
+// Pattern p holds one click on row p at step 0, and is on at the given positions, so that the
+// amplitude heard at each pass start tells which patterns played there.
+void arrange(PlayerRig& rig, uint32_t pattern, std::initializer_list<uint32_t> positions, float amplitude)
+{
+    rig.useClick(pattern, amplitude);
+    rig.player.pattern(pattern).setCell(pattern, 0, kDefaultNote);
+    for (uint32_t position : positions)
+        rig.player.playlist().set(pattern, position, 1.0f);
+}
+
+// The song position after the block that holds each pass start, for `passes` passes played in
+// `block`-frame blocks (no longer than a pass).
+std::vector<int32_t> positionsPlayed(PlayerRig& rig, uint32_t passes, uint32_t block)
+{
+    rig.player.seek(0);
+    rig.player.start();
+    std::vector<int32_t> seen;
+    uint64_t pass = rig.player.framesPerPass();
+    std::vector<float> out(block);
+    for (uint64_t done = 0; seen.size() < passes; done += block) {
+        rig.player.render(out.data(), block, 1);
+        if (seen.size() * pass < done + block)
+            seen.push_back(rig.player.songPosition());
+    }
+    return seen;
+}
+
+} // namespace
+
+TEST(SongPlayer, NewPositionNotesSoundFromEachPassStart)
+{
+    // Blocks shorter than a pass, exactly one pass, and longer than a pass.
+    for (uint32_t block : { 8800u, 70559u, 100000u, 333u }) {
+        PlayerRig rig;
+        arrange(rig, 0, { 0, 2, 3 }, 0.25f);
+        arrange(rig, 1, { 1, 2 }, 0.5f);
+        uint64_t pass = rig.player.framesPerPass();
+        rig.player.seek(0);
+        rig.player.start();
+        std::vector<float> out = rig.render(4 * pass, { block });
+        EXPECT_EQ(soundingFrames(out), (std::vector<uint64_t> { 0, pass, 2 * pass, 3 * pass })) << "block " << block;
+        EXPECT_EQ(out[0], 0.25f);
+        EXPECT_EQ(out[pass], 0.5f);
+        EXPECT_EQ(out[2 * pass], 0.75f);
+        EXPECT_EQ(out[3 * pass], 0.25f);
+    }
+}
+
+TEST(SongPlayer, PositionAdvancesEvenWhenABlockEndsExactlyOnAPassEnd)
+{
+    for (uint32_t block : { 70559u, 8800u, 70559u / 7 }) {
+        PlayerRig rig;
+        arrange(rig, 0, { 0, 1, 2, 3 }, 1.0f);
+        std::vector<int32_t> seen = positionsPlayed(rig, 4, block);
+        EXPECT_EQ(seen, (std::vector<int32_t> { 0, 1, 2, 3 })) << "block " << block;
+    }
+}
+
+TEST(SongPlayer, SongEndLoopsBackToTheStartAndTheLoopRangeRepeats)
+{
+    PlayerRig rig;
+    arrange(rig, 0, { 0, 1, 2, 3 }, 1.0f);
+    EXPECT_EQ(positionsPlayed(rig, 6, 8800), (std::vector<int32_t> { 0, 1, 2, 3, 0, 1 }));
+
+    rig.player.setLoopStart(1);
+    rig.player.setLoopEnd(2);
+    EXPECT_EQ(positionsPlayed(rig, 6, 8800), (std::vector<int32_t> { 0, 1, 2, 1, 2, 1 }));
+}
+
+TEST(SongPlayer, HigherIndexedPatternWinsACellPlayedByTwo)
+{
+    PlayerRig rig;
+    rig.player.pattern(2).setCell(4, 3, { 0.25f, 1.0f, 0 });
+    rig.player.pattern(5).setCell(4, 3, { 0.5f, 2.0f, 0 });
+    rig.player.pattern(2).setCell(4, 5, { 0.125f, 1.0f, 0 });
+    rig.player.playlist().set(2, 0, 1.0f);
+    rig.player.playlist().set(5, 0, 1.0f);
+    rig.player.setSongPosition(0);
+    EXPECT_EQ(rig.player.songPosition(), 0);
+    EXPECT_EQ(rig.player.grid().cell(4, 3), (Step { 0.5f, 2.0f, 0 }));
+    EXPECT_EQ(rig.player.grid().cell(4, 5).volume, 0.125f);
+}
+
+TEST(SongPlayer, PatternModeLoopsOnePatternWithoutThePlaylist)
+{
+    PlayerRig rig;
+    arrange(rig, 0, { 0 }, 0.25f);
+    arrange(rig, 3, { 1 }, 0.5f);
+    rig.player.setMode(3);
+    rig.player.seek(0);
+    rig.player.start();
+    uint64_t pass = rig.player.framesPerPass();
+    std::vector<float> out = rig.render(3 * pass, { 4096 });
+    EXPECT_EQ(soundingFrames(out), (std::vector<uint64_t> { 0, pass, 2 * pass }));
+    EXPECT_EQ(out[pass], 0.5f);
+    EXPECT_EQ(rig.player.lengthInFrames(), pass);
+}
+
+TEST(SongPlayer, LengthCoversThePositionsUpToTheLoopEnd)
+{
+    PlayerRig rig;
+    uint64_t pass = rig.player.framesPerPass();
+    EXPECT_EQ(rig.player.lengthInFrames(), 0u);
+    rig.player.playlist().set(0, 0, 1.0f);
+    EXPECT_EQ(rig.player.lengthInFrames(), pass);
+    rig.player.playlist().set(6, 9, 1.0f);
+    EXPECT_EQ(rig.player.lengthInFrames(), 10 * pass);
+    rig.player.setLoopEnd(3);
+    EXPECT_EQ(rig.player.lengthInFrames(), 4 * pass);
+}
+
+TEST(SongPlayer, SeekingToTheStartGoesBackToPositionZero)
+{
+    PlayerRig rig;
+    arrange(rig, 0, { 0, 1, 2 }, 1.0f);
+    positionsPlayed(rig, 3, 8800);
+    EXPECT_EQ(rig.player.songPosition(), 2);
+    rig.player.seek(0);
+    EXPECT_EQ(rig.player.songPosition(), 0);
+    EXPECT_EQ(rig.player.position(), 0u);
+}
+
+TEST(SongPlayer, ClearSongEmptiesPatternsNamesPlaylistAndLoop)
+{
+    PlayerRig rig;
+    arrange(rig, 4, { 3 }, 1.0f);
+    rig.player.setPatternName(4, u"A name much longer than thirty-one units");
+    EXPECT_EQ(rig.player.patternName(4).size(), SongPlayer::kMaxNameLength);
+    rig.player.setLoopStart(2);
+    rig.player.clearSong();
+    EXPECT_EQ(rig.player.pattern(4).cell(4, 0), kEmptyStep);
+    EXPECT_TRUE(rig.player.patternName(4).empty());
+    EXPECT_TRUE(rig.player.playlist().isEmpty());
+    EXPECT_EQ(rig.player.loopStart(), 0);
+    EXPECT_EQ(rig.player.loopEnd(), -1);
+}

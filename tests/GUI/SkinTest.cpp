@@ -1,0 +1,119 @@
+#include "GUI/BmpWriter.h"
+#include "GUI/Skin.h"
+#include "BmpFileBuilder.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace pulsara {
+namespace {
+
+const char* const kSkinFiles[] = { "panel.bmp", "panelD.bmp", "panelBckD.bmp", "back.bmp", "level.bmp", "draw.bmp",
+    "hand.bmp", "play.bmp", "vol.bmp", "cpu.bmp", "peak.bmp", "piano.bmp", "octave.bmp", "stepsPlst.bmp", "stepsPat.bmp" };
+
+void writeFile(const QString& path, const std::vector<uint8_t>& bytes)
+{
+    std::ofstream(path.toStdString(), std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+// <folder>/Skins/Test/ with every file of a skin, each a small plain bitmap, minus `missing`.
+std::u16string makeSkin(const QTemporaryDir& folder, const char* missing = nullptr)
+{
+    QDir(folder.path()).mkpath("Skins/Test");
+    QImage image(48, 8, QImage::Format_RGB32);
+    image.fill(qRgb(30, 40, 50));
+    for (const char* file : kSkinFiles) {
+        if (missing && std::string(file) == missing)
+            continue;
+        writeFile(folder.filePath(QString("Skins/Test/") + file), encodeBmp24(image));
+    }
+    return (folder.path() + "/").toStdU16String();
+}
+
+class SkinDeathTest : public testing::Test {
+protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST(Skin, FilePathIsInstallDirSkinsNameFile)
+{
+    Skin skin;
+    skin.setInstallDir(u"/usr/share/pulsara/");
+    EXPECT_EQ(std::u16string(skin.filePath(u"panel.bmp")), u"/usr/share/pulsara/Skins/Default/panel.bmp");
+    skin.setName(u"Night");
+    EXPECT_EQ(std::u16string(skin.filePath(u"back.bmp")), u"/usr/share/pulsara/Skins/Night/back.bmp");
+}
+
+TEST(Skin, LoadsEveryFileAndSetsUpFramesAndSteps)
+{
+    QTemporaryDir folder;
+    Skin skin;
+    skin.setInstallDir(makeSkin(folder));
+    skin.setName(u"Test");
+    EXPECT_EQ(skin.load(), 1);
+    EXPECT_EQ(skin.panel.corner(), 1);
+    EXPECT_EQ(skin.panelBckD.corner(), 1);
+    EXPECT_EQ(skin.back.corner(), 0);
+    EXPECT_EQ(skin.meterBitmapsLoaded, 3);
+    EXPECT_EQ(skin.octave.width(), 48);
+    EXPECT_EQ(skin.stepsPat.count(), 4);
+    EXPECT_EQ(skin.stepsPat.owner(), &skin);
+    EXPECT_EQ(skin.stepsPlst.panelD(), &skin.panelD);
+    // 48 pixels hold (4 + 2) x 2 images of 4 pixels.
+    EXPECT_EQ(skin.stepsPat.cellWidth(), 4);
+    EXPECT_EQ(skin.stepsPat.cellHeight(), 8);
+    EXPECT_EQ(skin.panel2.image(), skin.panel.image());
+    EXPECT_EQ(skin.panel.fileBytes().size(), encodeBmp24(skin.panel.image()).size());
+}
+
+TEST_F(SkinDeathTest, AMissingLastFileEndsTheProgramWithNoBmpAfterTheOthersLoaded)
+{
+    QTemporaryDir folder;
+    std::u16string install = makeSkin(folder, "stepsPat.bmp");
+    EXPECT_EXIT(
+        {
+            Skin skin;
+            skin.setInstallDir(install);
+            skin.setName(u"Test");
+            skin.load();
+        },
+        testing::ExitedWithCode(255), "^no bitmap file: [^\n]*/Skins/Test/stepsPat.bmp\n\r\npulsara: FATAL ERROR: no bmp\n$");
+}
+
+TEST_F(SkinDeathTest, EveryBitmapRefusalIsFatalWithItsMessage)
+{
+    QTemporaryDir folder;
+    test::BmpFileBuilder badHeader;
+    badHeader.bitsPerPixel = 7;
+    std::vector<uint8_t> notBitmap = badHeader.build();
+    notBitmap[1] = 'A';
+    writeFile(folder.filePath("empty.bmp"), {});
+    writeFile(folder.filePath("ba.bmp"), notBitmap);
+    writeFile(folder.filePath("bad.bmp"), badHeader.build());
+    struct Case {
+        const char* file;
+        const char* message;
+    };
+    const Case cases[] = {
+        { "missing.bmp", "no bmp" },
+        { "empty.bmp", "noread" },
+        { "ba.bmp", "not a bitmap file" },
+        { "bad.bmp", "can't create bitmap" },
+    };
+    for (const Case& c : cases) {
+        std::u16string path = folder.filePath(c.file).toStdU16String();
+        EXPECT_EXIT(
+            {
+                SkinBitmap bitmap;
+                bitmap.load(path);
+            },
+            testing::ExitedWithCode(255), std::string("pulsara: FATAL ERROR: ") + c.message + "\n$")
+            << c.file;
+    }
+}
+
+} // namespace
+} // namespace pulsara

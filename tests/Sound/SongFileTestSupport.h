@@ -1,0 +1,162 @@
+#pragma once
+
+// Helpers shared by the song file tests: a builder of song file bytes, a sample locator that
+// records what it is asked, a presenter that records reports, and a scratch folder.
+
+#include "Sound/SampleLocator.h"
+#include "Sound/Song.h"
+#include "Sound/StoredSamplePath.h"
+#include "base/ErrorReporter.h"
+#include "base/text.h"
+
+#include <bit>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace pulsara::testing {
+
+// Song file bytes, written the long way so that a test reads like the format description.
+class SongBytes {
+public:
+    SongBytes& magic() { return raw({ 'K', 'V', 'S', '0' }); }
+    // A tag or type code: one byte below 128, else two.
+    SongBytes& code(uint32_t code)
+    {
+        if (code < 128)
+            return raw({ static_cast<uint8_t>(code) });
+        return raw({ static_cast<uint8_t>(code >> 8), static_cast<uint8_t>(code) });
+    }
+    SongBytes& end() { return code(0); }
+    SongBytes& byteValue(uint8_t value) { return code(1).little(value, 1); }
+    SongBytes& wordValue(uint16_t value) { return code(2).little(value, 2); }
+    SongBytes& longValue(uint32_t value) { return code(3).little(value, 4); }
+    SongBytes& floatValue(float value) { return code(3).little(std::bit_cast<uint32_t>(value), 4); }
+    SongBytes& doubleValue(double value) { return code(4).little(std::bit_cast<uint64_t>(value), 8); }
+    SongBytes& stringValue(std::u16string_view text)
+    {
+        code(5);
+        for (char16_t unit : text)
+            little(unit, 2);
+        return little(0, 2);
+    }
+    SongBytes& blobValue(std::vector<uint8_t> blob)
+    {
+        code(6).little(blob.size(), 4);
+        return raw(blob);
+    }
+    // An item holding one integer, number or string.
+    SongBytes& longItem(uint32_t tag, uint32_t value) { return code(tag).longValue(value).end(); }
+    SongBytes& doubleItem(uint32_t tag, double value) { return code(tag).doubleValue(value).end(); }
+    SongBytes& stringItem(uint32_t tag, std::u16string_view text) { return code(tag).stringValue(text).end(); }
+    // A step of a pattern row: index, rate, volume and parameter as the writer writes them.
+    SongBytes& step(uint32_t index, float rate, float volume, int32_t parameter)
+    {
+        code(16).longValue(index);
+        doubleItem(22, rate).doubleItem(8, volume).longItem(25, static_cast<uint32_t>(parameter));
+        return end();
+    }
+    SongBytes& raw(const std::vector<uint8_t>& more)
+    {
+        bytes.insert(bytes.end(), more.begin(), more.end());
+        return *this;
+    }
+    SongBytes& little(uint64_t value, int count)
+    {
+        for (int i = 0; i < count; ++i)
+            bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
+        return *this;
+    }
+
+    std::vector<uint8_t> bytes;
+};
+
+// Loads nothing: remembers which stored names the reader asked for. Stores sample paths by the
+// program's rule with `samplesFolder` as the second base.
+class RecordingLocator : public SampleLocator {
+public:
+    void locateSample(Song&, std::u16string_view storedName, uint32_t instrument) override
+    {
+        located.emplace_back(std::u16string(storedName), instrument);
+    }
+    PathString storedSamplePath(std::u16string_view samplePath, std::u16string_view songPath) override
+    {
+        return makeStoredSamplePath(samplePath, songPath, samplesFolder);
+    }
+
+    std::u16string samplesFolder;
+    std::vector<std::pair<std::u16string, uint32_t>> located;
+};
+
+struct RecordedReport {
+    int32_t code;
+    std::string source;
+    int line;
+    std::u16string message;
+};
+
+// Records the reports made while it is installed.
+class RecordingPresenter : public ErrorPresenter {
+public:
+    RecordingPresenter() { previous_ = setErrorPresenter(this); }
+    ~RecordingPresenter() override { setErrorPresenter(previous_); }
+    void present(const ErrorReport& report) override
+    {
+        reports.push_back({ report.code, report.source ? report.source : "", report.line, std::u16string(report.message) });
+    }
+
+    std::vector<RecordedReport> reports;
+
+private:
+    ErrorPresenter* previous_ = nullptr;
+};
+
+// For death tests: prints the source and line of a report beside its message, so that the
+// expected output names the exact place.
+class LinePrintingPresenter : public ErrorPresenter {
+public:
+    void present(const ErrorReport& report) override
+    {
+        std::fprintf(stderr, "%s %s:%d %s\n", toUtf8(report.caption()).c_str(), report.source ? report.source : "",
+            report.line, toUtf8(report.message).c_str());
+    }
+};
+
+// A folder of its own under the system's temporary folder, removed with everything in it.
+class ScratchFolder {
+public:
+    ScratchFolder()
+    {
+        static int count = 0;
+        path_ = std::filesystem::temp_directory_path()
+            / ("pulsara_songfile_" + std::to_string(::getpid()) + "_" + std::to_string(count++));
+        std::filesystem::remove_all(path_);
+        std::filesystem::create_directories(path_);
+    }
+    ~ScratchFolder() { std::filesystem::remove_all(path_); }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+    std::u16string file(const std::string& name) const { return fromUtf8((path_ / name).string()); }
+    void write(const std::string& name, const std::vector<uint8_t>& bytes) const
+    {
+        std::ofstream out(path_ / name, std::ios::binary);
+        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    }
+    std::vector<uint8_t> read(const std::string& name) const
+    {
+        std::ifstream in(path_ / name, std::ios::binary);
+        return { std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>() };
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace pulsara::testing

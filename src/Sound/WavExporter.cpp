@@ -1,0 +1,122 @@
+#include "Sound/WavExporter.h"
+
+#include "base/ErrorReporter.h"
+#include "base/Path.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace pulsara {
+
+namespace {
+
+constexpr const char* kSource = "Sound/fileOut";
+constexpr int kCreateLine = 14;
+constexpr uint16_t kBitsPerSample = 16;
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
+
+void put16(uint8_t* at, uint16_t value)
+{
+    at[0] = static_cast<uint8_t>(value);
+    at[1] = static_cast<uint8_t>(value >> 8);
+}
+
+void put32(uint8_t* at, uint32_t value)
+{
+    put16(at, static_cast<uint16_t>(value));
+    put16(at + 2, static_cast<uint16_t>(value >> 16));
+}
+
+// The header's sizes are written up front and never patched; the RIFF size is 4 less than the
+// true remaining length, which readers have always accepted.
+std::array<uint8_t, WavExporter::kHeaderBytes> makeHeader(uint32_t sampleRate, uint16_t channels, uint32_t dataBytes)
+{
+    std::array<uint8_t, WavExporter::kHeaderBytes> header {};
+    uint8_t* h = header.data();
+    std::memcpy(h, "RIFF", 4);
+    put32(h + 4, dataBytes + 34);
+    std::memcpy(h + 8, "WAVEfmt ", 8);
+    put32(h + 16, 18);
+    put16(h + 20, 1);
+    put16(h + 22, channels);
+    put32(h + 24, sampleRate);
+    put32(h + 28, channels * kBitsPerSample * sampleRate / 8);
+    put16(h + 32, static_cast<uint16_t>(channels * kBitsPerSample / 8));
+    put16(h + 34, kBitsPerSample);
+    put16(h + 36, 0);
+    std::memcpy(h + 38, "data", 4);
+    put32(h + 42, dataBytes);
+    return header;
+}
+
+int16_t toPcm(float sample, float gain)
+{
+    sample = std::clamp(sample, -1.0f, 1.0f);
+    return static_cast<int16_t>(sample * gain * 32767.0);
+}
+
+} // namespace
+
+uint32_t WavExporter::blockFrames(uint32_t sampleRate)
+{
+    return sampleRate * kBlockMs / 1000 / 32 * 32;
+}
+
+int WavExporter::exportTo(SoundSource& source, std::u16string_view path, const Progress& progress)
+{
+    File file(std::fopen(nativePath(path).c_str(), "wb"));
+    if (!file) {
+        reportError(&errorContext(), kRecoverable, kSource, kCreateLine, u"can't create file");
+        return 0;
+    }
+
+    const AudioFormat& format = *source.format();
+    uint32_t channels = format.channels;
+    // The data size field is 32 bits; a longer song is cut where the field ends.
+    uint64_t maxFrames = (0xFFFFFFFFull - kHeaderBytes) / (channels * 2ull);
+    uint64_t total = std::min(source.lengthInFrames(), maxFrames);
+    auto header = makeHeader(format.sampleRate, static_cast<uint16_t>(channels), static_cast<uint32_t>(total * channels * 2));
+    std::fwrite(header.data(), 1, header.size(), file.get());
+
+    uint32_t block = blockFrames(format.sampleRate);
+    std::vector<float> mix(static_cast<std::size_t>(block) * channels);
+    std::vector<int16_t> pcm(mix.size());
+    uint64_t fade = static_cast<uint64_t>(format.sampleRate) * kFadeMs / 1000;
+    float gain = 1.0f;
+
+    source.seek(0);
+    source.start();
+    for (uint64_t remaining = total; remaining > 0 && block > 0;) {
+        auto frames = static_cast<uint32_t>(std::min<uint64_t>(block, remaining));
+        std::size_t count = static_cast<std::size_t>(frames) * channels;
+        source.render(mix.data(), frames, channels);
+        if (remaining - frames + 1 >= fade) {
+            // No sample of this block lies in the fade: the gain cannot change.
+            for (std::size_t j = 0; j < count; ++j)
+                pcm[j] = toPcm(mix[j], gain);
+        } else {
+            for (std::size_t j = 0; j < count; ++j) {
+                uint64_t framesLeft = remaining - j / channels;
+                if (framesLeft < fade)
+                    gain = static_cast<float>(framesLeft) / static_cast<float>(fade);
+                pcm[j] = toPcm(mix[j], gain);
+            }
+        }
+        std::fwrite(pcm.data(), sizeof(int16_t), count, file.get());
+        remaining -= frames;
+        if (progress)
+            progress(total - remaining, total);
+    }
+    source.stop();
+    return 1;
+}
+
+} // namespace pulsara

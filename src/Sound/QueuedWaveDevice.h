@@ -32,8 +32,8 @@ public:
     WaveResult volume(uint32_t&) const override;
 
     // Gaps in the sound since the device was opened: times the queue ran dry while playing and
-    // a later buffer then had to start after silence. Draining at the end of playback is not
-    // one.
+    // a later buffer then had to start after silence (draining at the end of playback is not
+    // one), and times the output itself ran short (noteUnderrun).
     uint32_t underruns() const { return underruns_.load(std::memory_order_relaxed); }
 
 protected:
@@ -45,6 +45,8 @@ protected:
     // Fills `frames` interleaved frames from the queue, silence where nothing is queued.
     // Device callback thread: no allocation, locks, I/O or logging.
     void play(int16_t* out, uint32_t frames);
+    // The output reports that it ran short of frames. Device callback thread.
+    void noteUnderrun() { underruns_.fetch_add(1, std::memory_order_relaxed); }
 
 private:
     static bool isPlayable(const WaveFormat&);

@@ -64,9 +64,12 @@ void RtAudioDevice::closeOutput()
     rtAudio_.reset();
 }
 
-int RtAudioDevice::fillOutput(void* output, void*, unsigned frames, double, RtAudioStreamStatus, void* device)
+int RtAudioDevice::fillOutput(void* output, void*, unsigned frames, double, RtAudioStreamStatus status, void* device)
 {
-    static_cast<RtAudioDevice*>(device)->play(static_cast<int16_t*>(output), frames);
+    auto* self = static_cast<RtAudioDevice*>(device);
+    if (status & RTAUDIO_OUTPUT_UNDERFLOW)
+        self->noteUnderrun();
+    self->play(static_cast<int16_t*>(output), frames);
     return 0;
 }
 

@@ -1,0 +1,199 @@
+#include "App/Transport.h"
+
+#include "Sound/Song.h"
+#include "support/FakeWaveDevice.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace pulsara;
+using namespace pulsara::testing;
+
+namespace {
+
+struct MeterLog : MeterListener {
+    void onPeaks(float left, float right) override { peaks.emplace_back(left, right); }
+    void onCpuLoad(float load) override { loads.push_back(load); }
+    std::vector<std::pair<float, float>> peaks;
+    std::vector<float> loads;
+};
+
+struct TransportRig {
+    TransportRig()
+    {
+        transport.open(100);
+    }
+    Song song { AudioFormat { 22050, 32, 2 } };
+    FakeWaveDevice device;
+    Transport transport { device, song };
+};
+
+// Plays queued buffers on another thread until the device closes, as the real device would
+// while the GUI thread waits in a graceful stop.
+class DevicePlayer {
+public:
+    explicit DevicePlayer(FakeWaveDevice& device)
+        : thread_([&device, this] {
+            while (!done_) {
+                device.playOne();
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
+        })
+    {
+    }
+    ~DevicePlayer()
+    {
+        done_ = true;
+        thread_.join();
+    }
+
+private:
+    std::atomic<bool> done_ { false };
+    std::thread thread_;
+};
+
+constexpr uint32_t kKeyUp = 257;
+using Calls = std::vector<std::string>;
+
+} // namespace
+
+TEST(Transport, OpenHandsTheSongsFormatAndPlayerToTheStream)
+{
+    TransportRig rig;
+    EXPECT_EQ(rig.transport.format(), &rig.song.format());
+    EXPECT_EQ(rig.transport.source(), &rig.song.player());
+    EXPECT_EQ(rig.transport.latency(), 100);
+    EXPECT_FALSE(rig.transport.isRunning());
+}
+
+TEST(Transport, PlayStartsTheSongAndTheStream)
+{
+    TransportRig rig;
+    ASSERT_EQ(rig.transport.play(), 1);
+    EXPECT_TRUE(rig.transport.isRunning());
+    EXPECT_TRUE(rig.transport.isPlaying());
+    EXPECT_EQ(rig.device.openedFormat().samplesPerSecond, 22050u);
+    EXPECT_EQ(rig.device.openedFormat().channels, 2);
+    EXPECT_EQ(rig.device.queued(), 2u);
+}
+
+TEST(Transport, PlayWithoutADeviceLeavesTheSongStopped)
+{
+    TransportRig rig;
+    rig.device.openResult = WaveResult::NoDevice;
+    EXPECT_EQ(rig.transport.play(), 0);
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_FALSE(rig.transport.isRunning());
+}
+
+TEST(Transport, StopLetsQueuedSoundFinishAndReleasesASharedDevice)
+{
+    TransportRig rig;
+    rig.transport.setDocumentFlags(Transport::kReleaseDeviceFlag);
+    ASSERT_EQ(rig.transport.play(), 1);
+    {
+        DevicePlayer player(rig.device);
+        rig.transport.stopPlaying();
+    }
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_FALSE(rig.transport.isRunning());
+    EXPECT_FALSE(rig.device.isOpen());
+    Calls calls = rig.device.calls();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "reset"), 0);
+}
+
+TEST(Transport, StopKeepsTheStreamRunningWhenTheDeviceIsNotShared)
+{
+    TransportRig rig;
+    rig.transport.setDocumentFlags(0);
+    ASSERT_EQ(rig.transport.play(), 1);
+    rig.transport.stopPlaying();
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_TRUE(rig.transport.isRunning());
+    EXPECT_TRUE(rig.device.isOpen());
+}
+
+TEST(Transport, LiveModeKeepsASharedDeviceOpenAfterStop)
+{
+    TransportRig rig;
+    rig.transport.setDocumentFlags(Transport::kReleaseDeviceFlag);
+    rig.transport.setLiveMode(true);
+    EXPECT_TRUE(rig.transport.isRunning());
+    ASSERT_EQ(rig.transport.play(), 1);
+    rig.transport.stopPlaying();
+    EXPECT_TRUE(rig.transport.isRunning());
+    {
+        DevicePlayer player(rig.device);
+        rig.transport.setLiveMode(false);
+    }
+    EXPECT_FALSE(rig.transport.isRunning());
+    EXPECT_FALSE(rig.device.isOpen());
+}
+
+TEST(Transport, CloseStopsAtOnce)
+{
+    TransportRig rig;
+    ASSERT_EQ(rig.transport.play(), 1);
+    rig.device.clearCalls();
+    rig.transport.close();
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_EQ(rig.transport.state(), StreamState::Closed);
+    Calls calls = rig.device.calls();
+    ASSERT_FALSE(calls.empty());
+    EXPECT_EQ(calls.front(), "pause");
+}
+
+TEST(Transport, LiveTriggerStartsAStoppedStreamWithoutTheSong)
+{
+    TransportRig rig;
+    ASSERT_EQ(rig.transport.triggerLive(3), 1);
+    EXPECT_TRUE(rig.transport.isRunning());
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_EQ(rig.song.player().soloTrack(), 3);
+}
+
+TEST(Transport, LiveKeysMapToTracksInRowOrder)
+{
+    struct Case {
+        uint32_t key;
+        int32_t track;
+    };
+    for (Case c : { Case { '1', 0 }, Case { '9', 8 }, Case { '0', 9 }, Case { 'Q', 10 }, Case { 'P', 19 }, Case { 'A', 20 },
+             Case { 'L', 28 }, Case { 'Z', 29 }, Case { 'M', 35 }, Case { ' ', -1 }, Case { 'q', -1 }, Case { 0x10051, -1 } })
+        EXPECT_EQ(Transport::liveTrackForKey(c.key), c.track) << c.key;
+}
+
+TEST(Transport, FilterConsumesLiveKeysOnlyInLiveMode)
+{
+    TransportRig rig;
+    EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 'W', 0), 0);
+    EXPECT_EQ(rig.song.player().soloTrack(), -1);
+    EXPECT_FALSE(rig.transport.isRunning());
+
+    rig.transport.setLiveMode(true);
+    EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 'W', 0), 1);
+    EXPECT_EQ(rig.song.player().soloTrack(), 11);
+    EXPECT_EQ(rig.transport.filterMessage(kKeyUp, 'E', 0), 0);
+    EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 0x25, 0), 0); // an arrow key
+    EXPECT_EQ(rig.song.player().soloTrack(), 11);
+}
+
+TEST(Transport, PassesTheMetersToItsListener)
+{
+    TransportRig rig;
+    MeterLog meters;
+    rig.transport.setMeterListener(&meters);
+    ASSERT_EQ(rig.transport.play(), 1);
+    EXPECT_EQ(meters.peaks.size(), 2u);
+    EXPECT_EQ(meters.loads.size(), 2u);
+    rig.device.playOne();
+    EXPECT_EQ(meters.peaks.size(), 3u);
+    rig.transport.close();
+    EXPECT_EQ(meters.peaks.back(), std::make_pair(0.0f, 0.0f));
+    EXPECT_EQ(meters.loads.back(), 0.0f);
+    rig.transport.setMeterListener(nullptr);
+    ASSERT_EQ(rig.transport.play(), 1);
+    EXPECT_EQ(meters.peaks.size(), 4u);
+}

@@ -5,8 +5,8 @@
 #include <cmath>
 
 using namespace pulsara;
-using pulsara::testing::PlayerRig;
-using pulsara::testing::soundingFrames;
+using pulsara::test::PlayerRig;
+using pulsara::test::soundingFrames;
 
 namespace {
 

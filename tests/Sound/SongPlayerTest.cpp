@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 using namespace pulsara;
-using pulsara::testing::PlayerRig;
-using pulsara::testing::soundingFrames;
+using pulsara::test::PlayerRig;
+using pulsara::test::soundingFrames;
 
 namespace {
 

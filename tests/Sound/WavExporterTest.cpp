@@ -1,6 +1,6 @@
 #include "Sound/WavExporter.h"
+#include "support/ReportRecorder.h"
 
-#include "base/ErrorReporter.h"
 #include "base/text.h"
 
 #include <gtest/gtest.h>
@@ -152,23 +152,12 @@ TEST_F(WavExporterTest, LastThirtyMillisecondsFadeOut)
 
 TEST_F(WavExporterTest, UncreatableFileIsReported)
 {
-    struct Recorder final : ErrorPresenter {
-        std::u16string message;
-        int line = 0;
-        std::string source;
-        void present(const ErrorReport& report) override
-        {
-            message = report.message;
-            line = report.line;
-            source = report.source;
-        }
-    } recorder;
-    setErrorPresenter(&recorder);
+    test::ReportRecorder reports;
     ConstantSource source({ 44100, 32, 1 }, 100, { 0.0f });
     EXPECT_EQ(WavExporter().exportTo(source, u"/nonexistent-folder/out.wav"), 0);
-    setErrorPresenter(nullptr);
-    EXPECT_EQ(recorder.message, u"can't create file");
-    EXPECT_EQ(recorder.source, "Sound/fileOut");
-    EXPECT_EQ(recorder.line, 14);
+    EXPECT_EQ(reports.last().message, u"can't create file");
+    EXPECT_EQ(reports.last().source, "Sound/fileOut");
+    EXPECT_EQ(reports.last().line, 14);
+    EXPECT_EQ(reports.last().code, 0);
     EXPECT_TRUE(source.blocks.empty());
 }

@@ -8,7 +8,7 @@
 #include <array>
 #include <vector>
 
-namespace pulsara::testing {
+namespace pulsara::test {
 
 struct PlayerRig {
     AudioFormat format;
@@ -66,4 +66,4 @@ inline std::vector<uint64_t> soundingFrames(const std::vector<float>& mono)
     return frames;
 }
 
-} // namespace pulsara::testing
+} // namespace pulsara::test

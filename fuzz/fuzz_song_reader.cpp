@@ -45,6 +45,7 @@ struct Harness {
         setFatalErrorsUnwind(true);
         setErrorPresenter(&presenter);
     }
+    ~Harness() { std::remove(toUtf8(path).c_str()); }
 
     SilentPresenter presenter;
     CheckingLocator locator;

@@ -31,7 +31,7 @@ enum ValueType : uint32_t {
 };
 
 enum Tag : uint32_t {
-    kVolume = 8, // also a step's volume; the reader takes it for kColumn and kStep too
+    kVolume = 8, // also an instrument's and a step's volume; the reader accepts it for kStep too
     kTempo = 9,
     kInstrument = 10,
     kPlaylistRow = 11, // also a pattern's row item

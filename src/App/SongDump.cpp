@@ -4,126 +4,130 @@
 #include "base/text.h"
 
 #include <cstdio>
+#include <vector>
 
 namespace pulsara {
 
 namespace {
 
+// Writes JSON with the separators put in by itself: ", " between members and elements.
 class JsonWriter {
 public:
-    std::string text;
+    const std::string& text() const { return text_; }
 
-    void number(double value)
+    void beginObject() { open('{'); }
+    void endObject() { close('}'); }
+    void beginArray() { open('['); }
+    void endArray() { close(']'); }
+
+    JsonWriter& key(const char* name)
+    {
+        separate();
+        text_ += '"';
+        text_ += name;
+        text_ += "\": ";
+        keyed_ = true;
+        return *this;
+    }
+    void value(double number)
     {
         char buffer[32];
-        std::snprintf(buffer, sizeof buffer, "%.9g", value);
-        text += buffer;
+        std::snprintf(buffer, sizeof buffer, "%.9g", number);
+        raw(buffer);
     }
-    void integer(long long value) { text += std::to_string(value); }
-    void string(std::u16string_view value)
+    void value(long long number) { raw(std::to_string(number)); }
+    void value(std::u16string_view string)
     {
-        text += '"';
-        for (unsigned char c : toUtf8(value)) {
+        std::string quoted = "\"";
+        for (unsigned char c : toUtf8(string)) {
             if (c == '"' || c == '\\') {
-                text += '\\';
-                text += static_cast<char>(c);
+                quoted += '\\';
+                quoted += static_cast<char>(c);
             } else if (c < 0x20) {
                 char buffer[8];
                 std::snprintf(buffer, sizeof buffer, "\\u%04x", c);
-                text += buffer;
+                quoted += buffer;
             } else {
-                text += static_cast<char>(c);
+                quoted += static_cast<char>(c);
             }
         }
-        text += '"';
+        raw(quoted + '"');
     }
-    void key(const char* name)
+
+private:
+    void separate()
     {
-        text += '"';
-        text += name;
-        text += "\": ";
+        if (keyed_) {
+            keyed_ = false;
+            return;
+        }
+        if (!first_.empty() && !first_.back())
+            text_ += ", ";
+        if (!first_.empty())
+            first_.back() = false;
     }
-    void separator(bool& first)
+    void raw(const std::string& text)
     {
-        if (!first)
-            text += ", ";
-        first = false;
+        separate();
+        text_ += text;
     }
+    void open(char bracket)
+    {
+        separate();
+        text_ += bracket;
+        first_.push_back(true);
+    }
+    void close(char bracket)
+    {
+        text_ += bracket;
+        first_.pop_back();
+    }
+
+    std::string text_;
+    std::vector<bool> first_;
+    bool keyed_ = false;
 };
 
-void writeInstruments(JsonWriter& json, const Song& song)
+void writeInstrument(JsonWriter& json, const Instrument& instrument, uint32_t slot)
 {
-    json.text += '[';
-    for (uint32_t slot = 0; slot < Song::kInstruments; ++slot) {
-        const Instrument& instrument = song.instrument(slot);
-        json.text += slot ? ", {" : "{";
-        json.key("slot");
-        json.integer(slot);
-        json.text += ", ";
-        json.key("name");
-        json.string(instrument.name());
-        json.text += ", ";
-        json.key("path");
-        json.string(instrument.sample().path().view());
-        json.text += ", ";
-        json.key("volume");
-        json.number(instrument.volume());
-        json.text += ", ";
-        json.key("frames");
-        json.integer(instrument.sample().length());
-        json.text += '}';
-    }
-    json.text += ']';
+    json.beginObject();
+    json.key("slot").value(static_cast<long long>(slot));
+    json.key("name").value(instrument.name());
+    json.key("path").value(instrument.sample().path().view());
+    json.key("volume").value(instrument.volume());
+    json.key("frames").value(static_cast<long long>(instrument.sample().length()));
+    json.endObject();
 }
 
-void writePatterns(JsonWriter& json, const Song& song)
+void writePattern(JsonWriter& json, const SongPlayer& player, uint32_t slot)
 {
-    const SongPlayer& player = song.player();
-    json.text += '[';
-    for (uint32_t slot = 0; slot < Song::kPatterns; ++slot) {
-        json.text += slot ? ", {" : "{";
-        json.key("slot");
-        json.integer(slot);
-        json.text += ", ";
-        json.key("name");
-        json.string(player.patternName(slot));
-        json.text += ", ";
-        json.key("positions");
-        json.text += '[';
-        bool first = true;
-        for (uint32_t column = 0; column < Song::kPositions; ++column) {
-            if (player.playlist().isOn(slot, column)) {
-                json.separator(first);
-                json.integer(column);
-            }
-        }
-        json.text += "], ";
-        json.key("notes");
-        json.text += '[';
-        first = true;
-        const StepGrid& pattern = player.pattern(slot);
-        for (uint32_t row = 0; row < pattern.rows(); ++row) {
-            for (uint32_t step = 0; step < StepGrid::kCellsPerRow; ++step) {
-                Step cell = pattern.cell(row, step);
-                if (!cell.isNote())
-                    continue;
-                json.separator(first);
-                json.text += "{\"row\": ";
-                json.integer(row);
-                json.text += ", \"step\": ";
-                json.integer(step);
-                json.text += ", \"volume\": ";
-                json.number(cell.volume);
-                json.text += ", \"rate\": ";
-                json.number(cell.rate);
-                json.text += ", \"param\": ";
-                json.integer(cell.parameter);
-                json.text += '}';
-            }
-        }
-        json.text += "]}";
+    json.beginObject();
+    json.key("slot").value(static_cast<long long>(slot));
+    json.key("name").value(player.patternName(slot));
+    json.key("positions").beginArray();
+    for (uint32_t column = 0; column < Song::kPositions; ++column) {
+        if (player.playlist().isOn(slot, column))
+            json.value(static_cast<long long>(column));
     }
-    json.text += ']';
+    json.endArray();
+    json.key("notes").beginArray();
+    const StepGrid& pattern = player.pattern(slot);
+    for (uint32_t row = 0; row < pattern.rows(); ++row) {
+        for (uint32_t step = 0; step < StepGrid::kCellsPerRow; ++step) {
+            Step cell = pattern.cell(row, step);
+            if (!cell.isNote())
+                continue;
+            json.beginObject();
+            json.key("row").value(static_cast<long long>(row));
+            json.key("step").value(static_cast<long long>(step));
+            json.key("volume").value(cell.volume);
+            json.key("rate").value(cell.rate);
+            json.key("param").value(static_cast<long long>(cell.parameter));
+            json.endObject();
+        }
+    }
+    json.endArray();
+    json.endObject();
 }
 
 } // namespace
@@ -132,54 +136,36 @@ std::string dumpSongJson(const Song& song)
 {
     const SongPlayer& player = song.player();
     JsonWriter json;
-    json.text += '{';
-    json.key("tempo");
-    json.number(player.tempo());
-    json.text += ", ";
-    json.key("volume");
-    json.number(player.volume());
-    json.text += ", ";
-    json.key("stepsPerPattern");
-    json.integer(song.stepsPerPattern());
-    json.text += ", ";
-    json.key("beatsPerPattern");
-    json.integer(song.beatsPerPattern());
-    json.text += ", ";
-    json.key("loopStart");
-    json.integer(player.loopStart());
-    json.text += ", ";
-    json.key("loopEnd");
-    json.integer(player.loopEnd());
-    json.text += ", ";
-    json.key("editorShown");
-    json.integer(song.editorShown());
-    json.text += ", ";
-    json.key("lastUsedPosition");
-    json.integer(player.playlist().lastUsedPosition());
-    json.text += ", ";
-    json.key("views");
-    json.text += '[';
+    json.beginObject();
+    json.key("tempo").value(player.tempo());
+    json.key("volume").value(player.volume());
+    json.key("stepsPerPattern").value(static_cast<long long>(song.stepsPerPattern()));
+    json.key("beatsPerPattern").value(static_cast<long long>(song.beatsPerPattern()));
+    json.key("loopStart").value(static_cast<long long>(player.loopStart()));
+    json.key("loopEnd").value(static_cast<long long>(player.loopEnd()));
+    json.key("editorShown").value(static_cast<long long>(song.editorShown()));
+    json.key("lastUsedPosition").value(static_cast<long long>(player.playlist().lastUsedPosition()));
+    json.key("views").beginArray();
     for (uint32_t editor = 0; editor < 2; ++editor) {
-        const EditorViewState& view = song.view(editor);
-        json.text += editor ? ", {" : "{";
-        json.key("value");
-        json.integer(view.value);
-        json.text += ", ";
-        json.key("pair");
-        json.text += '[';
-        json.integer(view.pair[0]);
-        json.text += ", ";
-        json.integer(view.pair[1]);
-        json.text += "]}";
+        json.beginObject();
+        json.key("value").value(static_cast<long long>(song.view(editor).value));
+        json.key("pair").beginArray();
+        json.value(static_cast<long long>(song.view(editor).pair[0]));
+        json.value(static_cast<long long>(song.view(editor).pair[1]));
+        json.endArray();
+        json.endObject();
     }
-    json.text += "], ";
-    json.key("instruments");
-    writeInstruments(json, song);
-    json.text += ", ";
-    json.key("patterns");
-    writePatterns(json, song);
-    json.text += "}\n";
-    return json.text;
+    json.endArray();
+    json.key("instruments").beginArray();
+    for (uint32_t slot = 0; slot < Song::kInstruments; ++slot)
+        writeInstrument(json, song.instrument(slot), slot);
+    json.endArray();
+    json.key("patterns").beginArray();
+    for (uint32_t slot = 0; slot < Song::kPatterns; ++slot)
+        writePattern(json, player, slot);
+    json.endArray();
+    json.endObject();
+    return json.text() + '\n';
 }
 
 } // namespace pulsara

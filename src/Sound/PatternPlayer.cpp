@@ -156,6 +156,8 @@ void PatternPlayer::stop()
 void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
 {
     std::fill(out, out + static_cast<std::size_t>(frames) * channels, 0.0f);
+    if (frames == 0)
+        return;
     if (cutRequested_.exchange(false, std::memory_order_acquire)) {
         for (TrackVoice& track : tracks_)
             track.cut();

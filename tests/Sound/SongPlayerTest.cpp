@@ -144,3 +144,19 @@ TEST(SongPlayer, ClearSongEmptiesPatternsNamesPlaylistAndLoop)
     EXPECT_EQ(rig.player.loopStart(), 0);
     EXPECT_EQ(rig.player.loopEnd(), -1);
 }
+
+TEST(SongPlayer, EmptyBlockNeitherTriggersNorAdvances)
+{
+    PlayerRig rig;
+    arrange(rig, 0, { 0, 1 }, 1.0f);
+    rig.player.seek(0);
+    rig.player.start();
+    rig.render(rig.player.framesPerPass(), { 70559 });
+    float none = 0.0f;
+    rig.player.render(&none, 0, 1);
+    EXPECT_EQ(rig.player.songPosition(), 0);
+    EXPECT_EQ(rig.player.position(), 0u);
+    std::vector<float> out = rig.render(16, { 16 });
+    EXPECT_EQ(rig.player.songPosition(), 1);
+    EXPECT_EQ(out[0], 1.0f);
+}

@@ -3,6 +3,7 @@
 #include "App/CommandLineOptions.h"
 #include "App/ConsoleReporting.h"
 #include "App/DataFolders.h"
+#include "App/PlayCommand.h"
 #include "App/SongDump.h"
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
@@ -91,6 +92,16 @@ int runDump(const CommandLineOptions& options)
     return loaded.presenter.sawError() ? kExitError : status;
 }
 
+int runPlay(const CommandLineOptions& options)
+{
+    LoadedSong loaded;
+    int status = loadForCommandLine(loaded, options);
+    if (status == kExitDone)
+        status = playSong(*loaded.song, options);
+    setErrorPresenter(nullptr);
+    return loaded.presenter.sawError() ? kExitError : status;
+}
+
 } // namespace
 
 int runCommandLine(int argc, char** argv)
@@ -114,8 +125,7 @@ int runCommandLine(int argc, char** argv)
     case RunMode::Dump:
         return runDump(options);
     case RunMode::Play:
-        std::fputs("pulsara: --play is not available in this build yet\n", stderr);
-        return kExitError;
+        return runPlay(options);
     case RunMode::Window:
         // The window
         std::fputs("pulsara: the editor window is not available in this build yet; see --help\n", stderr);

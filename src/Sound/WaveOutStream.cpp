@@ -42,8 +42,8 @@ WaveOutStream::~WaveOutStream()
 int WaveOutStream::setFormat(const AudioFormat* format)
 {
     format_.store(format, std::memory_order_release);
-    if (source_)
-        source_->setFormat(format);
+    if (SoundSource* source = this->source())
+        source->setFormat(format);
     return 1;
 }
 
@@ -164,8 +164,8 @@ int WaveOutStream::stopGracefully()
 
 int WaveOutStream::setLatency(int milliseconds)
 {
-    if (source_)
-        source_->setLatency(milliseconds);
+    if (SoundSource* source = this->source())
+        source->setLatency(milliseconds);
     auto stored = static_cast<int16_t>(std::clamp<int>(milliseconds, std::numeric_limits<int16_t>::min(),
         std::numeric_limits<int16_t>::max()));
     if (state() == StreamState::Playing) {
@@ -248,8 +248,8 @@ void WaveOutStream::fill()
     uint32_t sourceFrameBytes = format->bitsPerSample * channels / 8;
     auto count = static_cast<uint32_t>(sourceFrameBytes ? floatBufferBytes() / sourceFrameBytes : 0);
     count = std::min<uint32_t>(count, static_cast<uint32_t>(mixBuffer_.size() / channels));
-    if (source_)
-        source_->render(mixBuffer_.data(), count, channels);
+    if (SoundSource* source = this->source())
+        source->render(mixBuffer_.data(), count, channels);
 
     std::array<float, 2> peaks { 0.0f, 0.0f };
     uint32_t frames = static_cast<uint32_t>(deviceBuffers_[current].size() / channels);

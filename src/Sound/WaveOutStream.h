@@ -52,8 +52,9 @@ public:
     WaveOutStream(const WaveOutStream&) = delete;
     WaveOutStream& operator=(const WaveOutStream&) = delete;
 
-    void setSource(SoundSource* source) { source_ = source; }
-    SoundSource* source() const { return source_; }
+    // May be swapped while playing: the next fill renders from the new source.
+    void setSource(SoundSource* source) { source_.store(source, std::memory_order_release); }
+    SoundSource* source() const { return source_.load(std::memory_order_acquire); }
     // With a window set, the device reports to it instead of to the stream; the window then
     // passes every message to onDeviceMessage on its own thread. Takes effect at the next open.
     void setNotificationWindow(WaveDeviceListener* window) { notificationWindow_ = window; }
@@ -111,7 +112,7 @@ private:
     void convert(uint32_t frames, uint32_t channels, std::array<float, 2>& peaks);
 
     ErrorContext* context_ = &errorContext();
-    SoundSource* source_ = nullptr;
+    std::atomic<SoundSource*> source_ { nullptr };
     WaveDevice& device_;
     TickClock tickClock_;
     std::array<std::vector<int16_t>, 2> deviceBuffers_;

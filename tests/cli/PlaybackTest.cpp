@@ -1,0 +1,153 @@
+// Plays a short song through RtAudio into a private PulseAudio null sink and checks that what
+// came out is the song: the same sound as its export, at a small lag and the same level.
+#include "Sound/SampleLocator.h"
+#include "Sound/Song.h"
+#include "Sound/SongFile.h"
+#include "base/Path.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sys/wait.h>
+#include <vector>
+
+using namespace pulsara;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kNoServer = 77;
+constexpr uint32_t kWavHeaderBytes = 46;
+
+// Samples sit beside the song and are stored by bare name.
+class BesideTheSong final : public SampleLocator {
+public:
+    void locateSample(Song&, std::u16string_view, uint32_t) override { }
+    PathString storedSamplePath(std::u16string_view samplePath, std::u16string_view) override
+    {
+        return PathString(pathFileName(samplePath));
+    }
+};
+
+// Two passes of a kick and snare beat: 3.2 s at tempo 150.
+fs::path writeShortSong(const fs::path& folder)
+{
+    fs::path demo = fs::path(PULSARA_SHARE_DIR) / "Demo";
+    for (const char* name : { "Kick1.wav", "Snare.wav" })
+        fs::copy_file(demo / name, folder / name, fs::copy_options::overwrite_existing);
+    Song song;
+    song.instrument(0).sample().load((folder / "Kick1.wav").u16string());
+    song.instrument(1).sample().load((folder / "Snare.wav").u16string());
+    StepGrid& beat = song.player().pattern(0);
+    for (uint32_t step : { 0u, 6u, 10u })
+        beat.setCell(0, step, { 1.0f, 1.0f, 0 });
+    for (uint32_t step : { 4u, 12u })
+        beat.setCell(1, step, { 0.8f, 1.0f, 0 });
+    song.player().playlist().set(0, 0, 1.0f);
+    song.player().playlist().set(0, 1, 1.0f);
+    fs::path path = folder / "short.kqu";
+    BesideTheSong locator;
+    saveSong(song, path.u16string(), locator);
+    return path;
+}
+
+std::vector<int16_t> readSamples(const fs::path& path, size_t skipBytes)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::vector<char> bytes { std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>() };
+    std::vector<int16_t> samples(bytes.size() > skipBytes ? (bytes.size() - skipBytes) / 2 : 0);
+    if (!samples.empty())
+        std::memcpy(samples.data(), bytes.data() + skipBytes, samples.size() * 2);
+    return samples;
+}
+
+size_t firstSound(const std::vector<int16_t>& samples)
+{
+    for (size_t i = 0; i < samples.size(); ++i) {
+        if (std::abs(samples[i]) > 300)
+            return i;
+    }
+    return samples.size();
+}
+
+// Normalised cross-correlation of `reference` with `recorded` shifted by `lag`.
+double correlation(const std::vector<int16_t>& reference, const std::vector<int16_t>& recorded, long lag)
+{
+    double both = 0.0, referenceEnergy = 0.0, recordedEnergy = 0.0;
+    for (size_t i = 0; i < reference.size(); ++i) {
+        long j = static_cast<long>(i) + lag;
+        double r = reference[i];
+        double s = j >= 0 && j < static_cast<long>(recorded.size()) ? recorded[static_cast<size_t>(j)] : 0.0;
+        both += r * s;
+        referenceEnergy += r * r;
+        recordedEnergy += s * s;
+    }
+    return referenceEnergy > 0.0 && recordedEnergy > 0.0 ? both / std::sqrt(referenceEnergy * recordedEnergy) : 0.0;
+}
+
+double rms(const std::vector<int16_t>& samples, size_t from, size_t count)
+{
+    double sum = 0.0;
+    for (size_t i = from; i < from + count && i < samples.size(); ++i)
+        sum += static_cast<double>(samples[i]) * samples[i];
+    return std::sqrt(sum / static_cast<double>(count));
+}
+
+int run(const std::string& command)
+{
+    int status = std::system(command.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+} // namespace
+
+TEST(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
+{
+    fs::path folder = fs::temp_directory_path() / ("pulsara-playback-" + std::to_string(getpid()));
+    fs::create_directories(folder);
+    fs::path song = writeShortSong(folder);
+    fs::path exported = folder / "export.wav";
+    fs::path recorded = folder / "recorded.raw";
+
+    ASSERT_EQ(run(std::string(PULSARA_BINARY) + " --export '" + exported.string() + "' '" + song.string() + "'"), 0);
+    int status = run(std::string("bash '") + PULSARA_SOURCE_DIR + "/tests/cli/play_through_null_sink.sh' '" + PULSARA_BINARY
+        + "' '" + song.string() + "' '" + recorded.string() + "' 44100 1 -- --mono --latency 100");
+    if (status == kNoServer) {
+        fs::remove_all(folder);
+        GTEST_SKIP() << "no PulseAudio server can be started here";
+    }
+    ASSERT_EQ(status, 0);
+
+    std::vector<int16_t> reference = readSamples(exported, kWavHeaderBytes);
+    std::vector<int16_t> output = readSamples(recorded, 0);
+    if (!std::getenv("PULSARA_KEEP_PLAYBACK"))
+        fs::remove_all(folder);
+    ASSERT_GT(reference.size(), 44100u * 3);
+    size_t referenceStart = firstSound(reference);
+    size_t outputStart = firstSound(output);
+    ASSERT_LT(outputStart, output.size()) << "nothing was heard";
+
+    // Line the first sounds up, then look for the best match within 25 ms of that: the sound
+    // server may swallow the first milliseconds of a new stream.
+    long coarse = static_cast<long>(outputStart) - static_cast<long>(referenceStart);
+    long bestLag = coarse;
+    double best = -1.0;
+    for (long lag = coarse - 1100; lag <= coarse + 1100; ++lag) {
+        double c = correlation(reference, output, lag);
+        if (c > best) {
+            best = c;
+            bestLag = lag;
+        }
+    }
+    EXPECT_GT(best, 0.95) << "lag " << bestLag;
+    // The whole song came out, not only its beginning.
+    ASSERT_GE(static_cast<long>(output.size()), bestLag + static_cast<long>(reference.size()) - 4410);
+    double level = 20.0 * std::log10(rms(output, static_cast<size_t>(bestLag + static_cast<long>(referenceStart)), 44100 * 3)
+                                     / rms(reference, referenceStart, 44100 * 3));
+    EXPECT_NEAR(level, 0.0, 3.0);
+}

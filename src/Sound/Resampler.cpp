@@ -2,6 +2,8 @@
 
 #include "base/ErrorReporter.h"
 
+#include "Sound/LinearLanes.h"
+
 #include <cmath>
 
 namespace pulsara {
@@ -68,37 +70,45 @@ void nearestFrames(float* out, const MixSource& from, int32_t frames, float rate
         nearestSpan<Channels>(out, from.data, k, frames - k, rate, volume);
 }
 
-template<uint32_t Channels>
-[[gnu::always_inline]] inline void interpolate(float* __restrict target, const float* __restrict source, int32_t index,
-    double frac, float volume)
-{
-    const float* frame = source + static_cast<std::ptrdiff_t>(index) * Channels;
-    for (uint32_t c = 0; c < Channels; ++c) {
-        float s0 = frame[c];
-        float delta = frame[Channels + c] - s0;
-        float value = static_cast<float>(static_cast<double>(s0) + frac * static_cast<double>(delta));
-        target[c] += value * volume;
-    }
-}
+enum class Lanes { Plain, Sse2, Avx };
+
+#if defined(PULSARA_X86_LANES)
+constexpr Lanes kBaseLanes = Lanes::Sse2;
+#else
+constexpr Lanes kBaseLanes = Lanes::Plain;
+#endif
 
 // Output frames [first, first + count) of the linear method where the running position is
 // exactly p0 + k * rate (see runningSumIsExact), so that every frame's position can be computed
-// on its own.
-template<uint32_t Channels>
+// on its own: first all indices and fractions, then the interpolation.
+template<uint32_t Channels, Lanes With>
 [[gnu::always_inline]] inline void linearSpan(float* __restrict out, const float* __restrict source, int32_t first,
     int32_t count, double p0, double rate, float volume)
 {
     int32_t indices[kChunkFrames];
     double fracs[kChunkFrames];
-    for (int32_t j = 0; j < count; ++j) {
-        double k = first + j;
-        int32_t i = static_cast<int32_t>(p0 + k * rate);
-        indices[j] = i;
-        fracs[j] = (k - (i - p0) / rate) * rate;
+#if defined(PULSARA_X86_LANES)
+    if constexpr (With == Lanes::Avx) {
+        lanes::positionsAvx(first, count, p0, rate, indices, fracs);
+    } else
+#endif
+    {
+        for (int32_t j = 0; j < count; ++j) {
+            double k = static_cast<double>(first) + j;
+            int32_t i = static_cast<int32_t>(p0 + k * rate);
+            indices[j] = i;
+            fracs[j] = (k - (i - p0) / rate) * rate;
+        }
     }
     float* target = out + static_cast<std::ptrdiff_t>(first) * Channels;
-    for (int32_t j = 0; j < count; ++j)
-        interpolate<Channels>(target + j * Channels, source, indices[j], fracs[j], volume);
+#if defined(PULSARA_X86_LANES)
+    if constexpr (With == Lanes::Avx)
+        lanes::mixAvx<Channels>(target, source, indices, fracs, count, volume);
+    else if constexpr (With == Lanes::Sse2)
+        lanes::mixSse2<Channels>(target, source, indices, fracs, count, volume);
+    else
+#endif
+        lanes::mixPlain<Channels>(target, source, indices, fracs, 0, count, volume);
 }
 
 // True when every partial sum p0 + rate + ... + rate of `frames + 1` steps is exact in double,
@@ -127,7 +137,7 @@ double linearGuarded(float* out, const MixSource& source, int32_t frames, double
             int32_t i = static_cast<int32_t>(p);
             if (static_cast<uint32_t>(i) + 1 < source.frames) {
                 double frac = (k - (i - p0) / rate) * rate;
-                interpolate<Channels>(out + static_cast<std::size_t>(k) * Channels, source.data, i, frac, volume);
+                lanes::interpolate<Channels>(out + static_cast<std::size_t>(k) * Channels, source.data, i, frac, volume);
             }
         }
         p += rate;
@@ -135,22 +145,60 @@ double linearGuarded(float* out, const MixSource& source, int32_t frames, double
     return p + rate;
 }
 
-template<uint32_t Channels>
-double linearFrames(float* out, const MixSource& source, int32_t frames, double p0, float rate, float volume)
+template<uint32_t Channels, Lanes With>
+[[gnu::always_inline]] inline double linearFrames(float* out, const MixSource& source, int32_t frames, double p0,
+    float rate, float volume)
 {
     if (runningSumIsExact(p0, rate, frames)) {
         double lastPosition = p0 + static_cast<double>(frames - 1) * rate;
         if (lastPosition < kIndexLimit && static_cast<uint32_t>(lastPosition) + 1 < source.frames) {
             int32_t k = 0;
             for (; k + kChunkFrames <= frames; k += kChunkFrames)
-                linearSpan<Channels>(out, source.data, k, kChunkFrames, p0, rate, volume);
+                linearSpan<Channels, With>(out, source.data, k, kChunkFrames, p0, rate, volume);
             if (k < frames)
-                linearSpan<Channels>(out, source.data, k, frames - k, p0, rate, volume);
+                linearSpan<Channels, With>(out, source.data, k, frames - k, p0, rate, volume);
             return p0 + static_cast<double>(frames) * rate + rate;
         }
     }
     return linearGuarded<Channels>(out, source, frames, p0, rate, volume);
 }
+
+using LinearKernel = double (*)(float*, const MixSource&, int32_t, double, float, float);
+
+template<uint32_t Channels>
+double linearBase(float* out, const MixSource& source, int32_t frames, double p0, float rate, float volume)
+{
+    return linearFrames<Channels, kBaseLanes>(out, source, frames, p0, rate, volume);
+}
+
+#if defined(PULSARA_X86_LANES)
+template<uint32_t Channels>
+[[gnu::target("avx")]] double linearAvx(float* out, const MixSource& source, int32_t frames, double p0, float rate,
+    float volume)
+{
+    return linearFrames<Channels, Lanes::Avx>(out, source, frames, p0, rate, volume);
+}
+
+// The build targets plain x86-64; AVX is taken when the processor has it, decided once at start.
+bool processorHasAvx()
+{
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx");
+}
+const bool kUseAvx = processorHasAvx();
+
+LinearKernel linearKernel(uint32_t channels)
+{
+    if (kUseAvx)
+        return channels == 1 ? linearAvx<1> : linearAvx<2>;
+    return channels == 1 ? linearBase<1> : linearBase<2>;
+}
+#else
+LinearKernel linearKernel(uint32_t channels)
+{
+    return channels == 1 ? linearBase<1> : linearBase<2>;
+}
+#endif
 
 int32_t frameCount(const MixTarget& target)
 {
@@ -200,10 +248,8 @@ double mixLinear(const MixTarget& target, const MixSource& source, double positi
         reportError(&errorContext(), kFatal, kSource, kLinearChannelsLine, u"LinearInterpolation: more than 2 channels");
         return position + rate;
     }
-    if (target.channels == 1)
-        return linearFrames<1>(target.out, source, frameCount(target), position, rate, volume);
-    if (target.channels == 2)
-        return linearFrames<2>(target.out, source, frameCount(target), position, rate, volume);
+    if (target.channels == 1 || target.channels == 2)
+        return linearKernel(target.channels)(target.out, source, frameCount(target), position, rate, volume);
     return linearGuarded<0>(target.out, source, frameCount(target), position, rate, volume);
 }
 

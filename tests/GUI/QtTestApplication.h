@@ -13,8 +13,10 @@ inline QApplication& testApplication()
     static char* argv[] = { name, nullptr };
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication application(argc, argv);
-    return application;
+    // Never destroyed: Qt's own globals may already be gone when static objects are, and a
+    // QApplication torn down after them crashes the test program at exit.
+    static QApplication* application = new QApplication(argc, argv);
+    return *application;
 }
 
 } // namespace pulsara::test

@@ -70,25 +70,17 @@ void nearestFrames(float* out, const MixSource& from, int32_t frames, float rate
         nearestSpan<Channels>(out, from.data, k, frames - k, rate, volume);
 }
 
-enum class Lanes { Plain, Sse2, Avx };
-
-#if defined(PULSARA_X86_LANES)
-constexpr Lanes kBaseLanes = Lanes::Sse2;
-#else
-constexpr Lanes kBaseLanes = Lanes::Plain;
-#endif
-
 // Output frames [first, first + count) of the linear method where the running position is
 // exactly p0 + k * rate (see runningSumIsExact), so that every frame's position can be computed
 // on its own: first all indices and fractions, then the interpolation.
-template<uint32_t Channels, Lanes With>
+template<uint32_t Channels, MixLanes With>
 [[gnu::always_inline]] inline void linearSpan(float* __restrict out, const float* __restrict source, int32_t first,
     int32_t count, double p0, double rate, float volume)
 {
     int32_t indices[kChunkFrames];
     double fracs[kChunkFrames];
 #if defined(PULSARA_X86_LANES)
-    if constexpr (With == Lanes::Avx) {
+    if constexpr (With == MixLanes::Avx) {
         lanes::positionsAvx(first, count, p0, rate, indices, fracs);
     } else
 #endif
@@ -102,9 +94,9 @@ template<uint32_t Channels, Lanes With>
     }
     float* target = out + static_cast<std::ptrdiff_t>(first) * Channels;
 #if defined(PULSARA_X86_LANES)
-    if constexpr (With == Lanes::Avx)
+    if constexpr (With == MixLanes::Avx)
         lanes::mixAvx<Channels>(target, source, indices, fracs, count, volume);
-    else if constexpr (With == Lanes::Sse2)
+    else if constexpr (With == MixLanes::Sse2)
         lanes::mixSse2<Channels>(target, source, indices, fracs, count, volume);
     else
 #endif
@@ -145,7 +137,7 @@ double linearGuarded(float* out, const MixSource& source, int32_t frames, double
     return p + rate;
 }
 
-template<uint32_t Channels, Lanes With>
+template<uint32_t Channels, MixLanes With>
 [[gnu::always_inline]] inline double linearFrames(float* out, const MixSource& source, int32_t frames, double p0,
     float rate, float volume)
 {
@@ -165,10 +157,10 @@ template<uint32_t Channels, Lanes With>
 
 using LinearKernel = double (*)(float*, const MixSource&, int32_t, double, float, float);
 
-template<uint32_t Channels>
-double linearBase(float* out, const MixSource& source, int32_t frames, double p0, float rate, float volume)
+template<uint32_t Channels, MixLanes With>
+double linearOn(float* out, const MixSource& source, int32_t frames, double p0, float rate, float volume)
 {
-    return linearFrames<Channels, kBaseLanes>(out, source, frames, p0, rate, volume);
+    return linearFrames<Channels, With>(out, source, frames, p0, rate, volume);
 }
 
 #if defined(PULSARA_X86_LANES)
@@ -176,29 +168,37 @@ template<uint32_t Channels>
 [[gnu::target("avx")]] double linearAvx(float* out, const MixSource& source, int32_t frames, double p0, float rate,
     float volume)
 {
-    return linearFrames<Channels, Lanes::Avx>(out, source, frames, p0, rate, volume);
+    return linearFrames<Channels, MixLanes::Avx>(out, source, frames, p0, rate, volume);
 }
 
 // The build targets plain x86-64; AVX is taken when the processor has it, decided once at start.
-bool processorHasAvx()
+MixLanes detectBestLanes()
 {
     __builtin_cpu_init();
-    return __builtin_cpu_supports("avx");
-}
-const bool kUseAvx = processorHasAvx();
-
-LinearKernel linearKernel(uint32_t channels)
-{
-    if (kUseAvx)
-        return channels == 1 ? linearAvx<1> : linearAvx<2>;
-    return channels == 1 ? linearBase<1> : linearBase<2>;
+    return __builtin_cpu_supports("avx") ? MixLanes::Avx : MixLanes::Sse2;
 }
 #else
-LinearKernel linearKernel(uint32_t channels)
+MixLanes detectBestLanes()
 {
-    return channels == 1 ? linearBase<1> : linearBase<2>;
+    return MixLanes::Plain;
 }
 #endif
+
+const MixLanes kBestLanes = detectBestLanes();
+
+LinearKernel linearKernel(MixLanes lanes, uint32_t channels)
+{
+    switch (lanes) {
+#if defined(PULSARA_X86_LANES)
+    case MixLanes::Avx:
+        return channels == 1 ? linearAvx<1> : linearAvx<2>;
+    case MixLanes::Sse2:
+        return channels == 1 ? linearOn<1, MixLanes::Sse2> : linearOn<2, MixLanes::Sse2>;
+#endif
+    default:
+        return channels == 1 ? linearOn<1, MixLanes::Plain> : linearOn<2, MixLanes::Plain>;
+    }
+}
 
 int32_t frameCount(const MixTarget& target)
 {
@@ -240,8 +240,26 @@ double mixNearest(const MixTarget& target, const MixSource& source, double posit
     return next;
 }
 
+MixLanes bestMixLanes()
+{
+    return kBestLanes;
+}
+
+bool isAvailable(MixLanes lanes)
+{
+    return lanes == MixLanes::Plain || lanes == kBestLanes || (lanes == MixLanes::Sse2 && kBestLanes == MixLanes::Avx);
+}
+
 double mixLinear(const MixTarget& target, const MixSource& source, double position, float rate, float volume)
 {
+    return mixLinearOn(kBestLanes, target, source, position, rate, volume);
+}
+
+double mixLinearOn(MixLanes lanes, const MixTarget& target, const MixSource& source, double position, float rate,
+    float volume)
+{
+    if (!isAvailable(lanes))
+        lanes = kBestLanes;
     if (target.frames < 2)
         return mixNearest(target, source, position, rate, volume);
     if (target.channels > 2) {
@@ -249,7 +267,7 @@ double mixLinear(const MixTarget& target, const MixSource& source, double positi
         return position + rate;
     }
     if (target.channels == 1 || target.channels == 2)
-        return linearKernel(target.channels)(target.out, source, frameCount(target), position, rate, volume);
+        return linearKernel(lanes, target.channels)(target.out, source, frameCount(target), position, rate, volume);
     return linearGuarded<0>(target.out, source, frameCount(target), position, rate, volume);
 }
 

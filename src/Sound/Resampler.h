@@ -38,4 +38,12 @@ double mixNearest(const MixTarget&, const MixSource&, double position, float rat
 // Fewer than 2 frames fall back to the nearest method. More than 2 channels is fatal.
 double mixLinear(const MixTarget&, const MixSource&, double position, float rate, float volume);
 
+// The instruction sets the linear method can run on. All of them give the same output to the
+// bit; mixLinear() takes the best one the processor has.
+enum class MixLanes { Plain, Sse2, Avx };
+MixLanes bestMixLanes();
+bool isAvailable(MixLanes);
+// The linear method on the given instruction set, which must be available (tests and benchmarks).
+double mixLinearOn(MixLanes, const MixTarget&, const MixSource&, double position, float rate, float volume);
+
 } // namespace pulsara

@@ -51,6 +51,17 @@ double referenceLinear(std::vector<float>& out, uint32_t frames, uint32_t channe
 
 enum class Method { Nearest, Linear };
 
+struct Kernel {
+    Method method;
+    MixLanes lanes = MixLanes::Plain;
+
+    double operator()(const MixTarget& target, const MixSource& source, double position, float rate, float volume) const
+    {
+        return method == Method::Linear ? mixLinearOn(lanes, target, source, position, rate, volume)
+                                        : mixNearest(target, source, position, rate, volume);
+    }
+};
+
 struct Voice {
     std::vector<float> frames; // `length` frames, the spare frame and a zero tail for the reference
     int32_t length = 0;
@@ -93,15 +104,14 @@ double randomStart(std::mt19937& random, int32_t length)
 
 // Plays a voice block by block as a sample does, with the kernel and with the reference, and
 // expects every output float and every stored position to be the same.
-void expectSameAsReference(Method method, std::mt19937& random, uint32_t channels)
+void expectSameAsReference(Kernel kernel, std::mt19937& random, uint32_t channels)
 {
     Voice voice = randomVoice(random, channels, std::uniform_int_distribution<int32_t>(2, 3000)(random));
     float rate = randomRate(random);
     float volume = std::uniform_real_distribution<float>(0.0f, 1.5f)(random);
     double position = randomStart(random, voice.length);
     double expectedPosition = position;
-    auto kernel = method == Method::Linear ? mixLinear : mixNearest;
-    auto reference = method == Method::Linear ? referenceLinear : referenceNearest;
+    auto reference = kernel.method == Method::Linear ? referenceLinear : referenceNearest;
     MixSource source { voice.frames.data(), static_cast<uint32_t>(voice.length + 1) };
 
     for (int block = 0; block < 50 && position < voice.length; ++block) {
@@ -132,18 +142,33 @@ std::vector<float> ramp(std::initializer_list<float> values)
 
 TEST(Resampler, FastLoopsMatchTheMethodsFrameByFrame)
 {
+    std::vector<Kernel> kernels { { Method::Nearest } };
+    for (MixLanes lanes : { MixLanes::Plain, MixLanes::Sse2, MixLanes::Avx }) {
+        if (isAvailable(lanes))
+            kernels.push_back({ Method::Linear, lanes });
+    }
     std::mt19937 random(20261121);
-    for (Method method : { Method::Nearest, Method::Linear }) {
+    for (const Kernel& kernel : kernels) {
         for (uint32_t channels : { 1u, 2u }) {
             for (int voice = 0; voice < 300; ++voice) {
-                SCOPED_TRACE(testing::Message() << (method == Method::Linear ? "linear" : "nearest") << ", "
-                                                << channels << " channels, voice " << voice);
-                expectSameAsReference(method, random, channels);
+                SCOPED_TRACE(testing::Message() << (kernel.method == Method::Linear ? "linear" : "nearest") << " on lanes "
+                                                << static_cast<int>(kernel.lanes) << ", " << channels
+                                                << " channels, voice " << voice);
+                expectSameAsReference(kernel, random, channels);
                 if (HasFatalFailure())
                     return;
             }
         }
     }
+}
+
+TEST(Resampler, LinearRunsOnTheBestLanesOfTheProcessor)
+{
+    EXPECT_TRUE(isAvailable(bestMixLanes()));
+    EXPECT_TRUE(isAvailable(MixLanes::Plain));
+#if defined(__x86_64__)
+    EXPECT_NE(bestMixLanes(), MixLanes::Plain) << "every x86-64 processor has SSE2";
+#endif
 }
 
 TEST(Resampler, CopyAddsEveryFloatScaledByTheVolume)

@@ -5,6 +5,7 @@
 #include "App/DataFolders.h"
 #include "App/PlayCommand.h"
 #include "App/SongDump.h"
+#include "App/WindowMain.h"
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
 #include "Sound/WavExporter.h"
@@ -128,8 +129,7 @@ int runCommandLine(int argc, char** argv)
         return runPlay(options);
     case RunMode::Window:
         // The window
-        std::fputs("pulsara: the editor window is not available in this build yet; see --help\n", stderr);
-        return kExitError;
+        return runWindow(argc, argv, fromUtf8(options.songPath));
     }
     return kExitUsage;
 }

@@ -1,5 +1,7 @@
 #include "Sound/QueuedWaveDevice.h"
 
+#include "support/PulledWaveDevice.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,23 +13,7 @@ using namespace pulsara;
 
 namespace {
 
-// An output that the test pulls by hand, standing in for the audio back end.
-class PulledDevice : public QueuedWaveDevice {
-public:
-    WaveResult openResult = WaveResult::Ok;
-    int outputsClosed = 0;
-
-    std::vector<int16_t> pull(uint32_t frames, uint32_t channels = 1)
-    {
-        std::vector<int16_t> out(frames * channels, int16_t { 12345 });
-        play(out.data(), frames);
-        return out;
-    }
-
-protected:
-    WaveResult openOutput(const WaveFormat&) override { return openResult; }
-    void closeOutput() override { ++outputsClosed; }
-};
+using PulledDevice = pulsara::testing::PulledWaveDevice;
 
 struct Recorder : WaveDeviceListener {
     void onWaveMessage(WaveMessage message, WaveHeader* header) override

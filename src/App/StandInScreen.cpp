@@ -73,12 +73,25 @@ StandInScreen::StandInScreen(Skin& skin)
     beatLengthDisplay_.setValue(4);
     tempoDisplay_.setValue(int32_t(kDefaultTempo));
 
+    QFont titleFont(QStringLiteral("Liberation Sans"));
+    titleFont.setPixelSize(17);
+    titleFont.setBold(true);
+    title_.setFont(titleFont);
+    title_.setColor(QColor(0xdc, 0xe1, 0xea));
+    QFont textFont(QStringLiteral("Liberation Sans"));
+    textFont.setPixelSize(12);
+    const QColor dimText(0x8a, 0x93, 0xa3);
+    for (TextLabel* label : { &songName_, &noteHeading_, &volumeHeading_ }) {
+        label->setFont(textFont);
+        label->setColor(dimText);
+    }
+
     topBar_.setFrame(&skin_.back);
     leftMeter_.setBitmap(&skin_.level);
     rightMeter_.setBitmap(&skin_.level);
     cpuMeter_.setBitmap(&skin_.cpu);
     clipLamp_.setBitmap(&skin_.peak);
-    for (Element* child : std::initializer_list<Element*> { &leftMeter_, &rightMeter_, &clipLamp_, &cpuMeter_, &counterDisplay_ })
+    for (Element* child : std::initializer_list<Element*> { &leftMeter_, &rightMeter_, &clipLamp_, &cpuMeter_, &counterDisplay_, &title_, &songName_ })
         topBar_.addChild(child);
 
     pageButton0_.setBitmap(&skin_.draw);
@@ -102,6 +115,8 @@ StandInScreen::StandInScreen(Skin& skin)
     noteVolumeSlider_.setSkin(&skin_.vol, &skin_.panelD, &skin_.panel2);
     noteVolumeSlider_.setStep(0.01);
     noteVolumeSlider_.setValue(1.0 / 1.2);
+    notePanel_.addChild(&noteHeading_);
+    notePanel_.addChild(&volumeHeading_);
     notePanel_.addChild(&piano_);
     notePanel_.addChild(&octaves_);
     notePanel_.addChild(&noteVolumeSlider_);
@@ -143,6 +158,8 @@ void StandInScreen::layout(const ElemRect& rect)
     const int32_t displayHeight = unit - 8;
     const int32_t counterWidth = counterDisplay_.preferredWidth();
     counterDisplay_.layout({ x + kGap, y + 4, counterWidth, displayHeight });
+    title_.layout({ counterDisplay_.rect()->right() + 2 * kGap, y, 90, unit });
+    songName_.layout({ title_.rect()->right(), y, std::max(0, cpuMeter_.rect()->x - title_.rect()->right() - kGap), unit });
 
     const int32_t row = y + unit;
     pageButton0_.place(x, row);
@@ -171,10 +188,12 @@ void StandInScreen::layout(const ElemRect& rect)
     notePanel_.layout({ noteX, inner.y, kNotePanelWidth, inner.height });
     const int32_t pianoWidth = skin_.piano.width();
     const int32_t pianoX = noteX + (kNotePanelWidth - pianoWidth) / 2;
-    piano_.layout({ pianoX, inner.y + 12, pianoWidth, skin_.piano.height() / 2 });
+    noteHeading_.layout({ noteX + 10, inner.y + 4, kNotePanelWidth - 20, 18 });
+    piano_.layout({ pianoX, noteHeading_.rect()->bottom() + 4, pianoWidth, skin_.piano.height() / 2 });
     octaves_.layout({ noteX + (kNotePanelWidth - 6 * skin_.octave.height() / 2) / 2, piano_.rect()->bottom() + 10,
         6 * skin_.octave.height() / 2, skin_.octave.height() / 2 });
-    noteVolumeSlider_.layout({ noteX + 10, octaves_.rect()->bottom() + 12, kNotePanelWidth - 20, skin_.vol.height() + 6 });
+    volumeHeading_.layout({ noteX + 10, octaves_.rect()->bottom() + 10, kNotePanelWidth - 20, 18 });
+    noteVolumeSlider_.layout({ noteX + 10, volumeHeading_.rect()->bottom() + 2, kNotePanelWidth - 20, skin_.vol.height() + 6 });
 }
 
 int StandInScreen::paint(DeviceContext* dc, uint32_t mode)

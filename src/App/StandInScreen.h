@@ -8,6 +8,7 @@
 #include "GUI/NumericDisplay.h"
 #include "GUI/RootElement.h"
 #include "GUI/Slider.h"
+#include "GUI/TextLabel.h"
 #include "Sound/StepGrid.h"
 
 namespace pulsara {
@@ -40,6 +41,8 @@ private:
     StepGrid playlist_;
 
     FramePanel topBar_;
+    TextLabel title_ { u"Pulsara" };
+    TextLabel songName_ { u"untitled" };
     LevelMeter leftMeter_;
     LevelMeter rightMeter_;
     BitmapButton clipLamp_ { BitmapButton::Kind::Indicator };
@@ -58,6 +61,8 @@ private:
     FramePanel editorPanel_;
     StepGridPreview grid_;
     FramePanel notePanel_;
+    TextLabel noteHeading_ { u"Note" };
+    TextLabel volumeHeading_ { u"Volume" };
     BitmapView piano_;
     BitmapView octaves_;
     Slider noteVolumeSlider_;

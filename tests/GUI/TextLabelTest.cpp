@@ -1,0 +1,44 @@
+#include "GUI/TextLabel.h"
+#include "QtTestApplication.h"
+
+#include <QImage>
+#include <QPainter>
+#include <gtest/gtest.h>
+
+namespace pulsara {
+namespace {
+
+// The number of pixels of the label's colour inside and outside its rectangle.
+std::pair<int, int> inkOf(TextLabel& label, QColor colour)
+{
+    QImage image(100, 40, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter dc(&image);
+    label.paint(&dc, 0);
+    dc.end();
+    int inside = 0, outside = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) == colour.rgb())
+                (label.rect()->contains(x, y) ? inside : outside)++;
+    return { inside, outside };
+}
+
+TEST(TextLabel, DrawsItsTextInItsColourInsideItsRectangle)
+{
+    test::testApplication();
+    TextLabel label(u"Volume");
+    label.setColor(Qt::green);
+    label.layout({ 10, 10, 60, 20 });
+    auto [inside, outside] = inkOf(label, Qt::green);
+    EXPECT_GT(inside, 10);
+    EXPECT_EQ(outside, 0);
+
+    label.paint(nullptr, 2); // not changed: nothing to draw, not even a context needed
+    label.setText(u"");
+    EXPECT_TRUE(label.isDirty());
+    EXPECT_EQ(inkOf(label, Qt::green).first, 0);
+}
+
+} // namespace
+} // namespace pulsara

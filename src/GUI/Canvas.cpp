@@ -93,8 +93,13 @@ bool Canvas::eventFilter(QObject* watched, QEvent* event)
 {
     // The close button asks the root, which closes the window through destroyWindow (or not).
     if (event->type() == QEvent::Close && !destroyed_) {
-        event->ignore();
+        closing_ = true;
         send(kMessageClose);
+        closing_ = false;
+        // destroyWindow ran: this close goes through. Otherwise the window stays.
+        if (destroyed_)
+            return false;
+        event->ignore();
         return true;
     }
     return QWidget::eventFilter(watched, event);
@@ -126,7 +131,9 @@ void Canvas::destroyWindow()
         return;
     destroyed_ = true;
     send(kMessageDestroy);
-    window()->close();
+    // Inside a close event Qt ignores a second close; that event itself closes the window.
+    if (!closing_)
+        window()->close();
 }
 
 ElemRect Canvas::clientRect() const

@@ -62,6 +62,7 @@ private:
     QRegion updateRegion_;
     bool created_ = false;
     bool destroyed_ = false;
+    bool closing_ = false;
     bool hasCapture_ = false;
 };
 

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <unistd.h>
 
 namespace pulsara {
@@ -43,6 +44,14 @@ private:
     std::atomic<float> load_ { 0.0f };
 };
 
+// PULSARA_AUDIO_BACKEND (jack, pulse or alsa) picks RtAudio's back end; otherwise the first
+// one that has an output device.
+RtAudio::Api chosenBackend()
+{
+    const char* name = std::getenv("PULSARA_AUDIO_BACKEND");
+    return name ? RtAudio::getCompiledApiByName(name) : RtAudio::UNSPECIFIED;
+}
+
 bool asksToStop(const std::string& keys)
 {
     return keys.find_first_of("\r\n") != std::string::npos;
@@ -66,7 +75,7 @@ void showStatus(const Song& song, const Transport& transport, const MeterValues&
 
 int playSong(Song& song, const CommandLineOptions& options)
 {
-    RtAudioDevice device;
+    RtAudioDevice device(chosenBackend());
     Transport transport(device, song);
     transport.open(options.latencyMs);
     transport.setDocumentFlags(Transport::kReleaseDeviceFlag);

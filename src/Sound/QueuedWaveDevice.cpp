@@ -27,6 +27,8 @@ WaveResult QueuedWaveDevice::open(const WaveFormat& format, WaveDeviceListener* 
     // One object is one handle: a second open while open is refused like a busy device.
     if (isOpen() || !isPlayable(format))
         return WaveResult::NoDevice;
+    // An output may go on calling play() while closed; it stays out while the state is reset.
+    excludeCallback();
     listener_.store(listener, std::memory_order_release);
     channels_.store(format.channels, std::memory_order_release);
     paused_.store(false, std::memory_order_release);
@@ -36,6 +38,7 @@ WaveResult QueuedWaveDevice::open(const WaveFormat& format, WaveDeviceListener* 
     offset_ = 0;
     sounding_ = false;
     starved_ = false;
+    admitCallback();
     if (WaveResult result = openOutput(format); result != WaveResult::Ok)
         return result;
     open_.store(true, std::memory_order_release);

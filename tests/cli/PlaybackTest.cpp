@@ -115,8 +115,8 @@ TEST(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
     fs::path recorded = folder / "recorded.raw";
 
     ASSERT_EQ(run(std::string(PULSARA_BINARY) + " --export '" + exported.string() + "' '" + song.string() + "'"), 0);
-    int status = run(std::string("bash '") + PULSARA_SOURCE_DIR + "/tests/cli/play_through_null_sink.sh' '" + PULSARA_BINARY
-        + "' '" + song.string() + "' '" + recorded.string() + "' 44100 1 -- --mono --latency 100");
+    int status = run(std::string("bash '") + PULSARA_SOURCE_DIR + "/tests/cli/with_null_sink.sh' --record '" + recorded.string()
+        + "' -- " + PULSARA_BINARY + " --play '" + song.string() + "' --rate 44100 --mono --latency 100 </dev/null");
     if (status == kNoServer) {
         fs::remove_all(folder);
         GTEST_SKIP() << "no PulseAudio server can be started here";
@@ -150,4 +150,19 @@ TEST(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
     double level = 20.0 * std::log10(rms(output, static_cast<size_t>(bestLag + static_cast<long>(referenceStart)), 44100 * 3)
                                      / rms(reference, referenceStart, 44100 * 3));
     EXPECT_NEAR(level, 0.0, 3.0);
+}
+
+TEST(Playback, SaysSoInOneLineWhenNoDeviceCanBeOpened)
+{
+    fs::path folder = fs::temp_directory_path() / ("pulsara-nodevice-" + std::to_string(getpid()));
+    fs::create_directories(folder);
+    fs::path song = writeShortSong(folder);
+    fs::path errors = folder / "stderr.txt";
+    int status = run("PULSARA_AUDIO_BACKEND=pulse PULSE_SERVER=unix:/nonexistent/pulsara-socket " + std::string(PULSARA_BINARY)
+        + " --play '" + song.string() + "' </dev/null 2>'" + errors.string() + "'");
+    std::ifstream file(errors);
+    std::string text { std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>() };
+    fs::remove_all(folder);
+    EXPECT_EQ(status, 1);
+    EXPECT_EQ(text, "pulsara: error: no audio output device could be opened\n");
 }

@@ -1,19 +1,27 @@
 #!/usr/bin/env bash
-# Plays a song with `pulsara --play` into a PulseAudio server of its own (a null sink, no
-# hardware, a private runtime folder) and records the sink's monitor.
+# Runs a command against a PulseAudio server of its own: a null sink (no hardware) as the
+# default output, a private runtime folder, everything stopped and removed at the end.
 #
-#   play_through_null_sink.sh PULSARA SONG RECORDING.raw [RATE] [CHANNELS] [-- PLAY OPTIONS...]
+#   with_null_sink.sh [--rate HZ] [--channels N] [--record FILE] -- COMMAND [ARGUMENTS...]
 #
-# The recording is raw signed 16-bit little-endian at RATE (44100) with CHANNELS (1). Exit
-# status: pulsara's, or 77 when no PulseAudio server can be started here.
+# --record keeps what the sink played, as raw signed 16-bit little-endian samples at the
+# sink's rate (44100) and channel count (1). Exit status: the command's, or 77 when no
+# PulseAudio server can be started here.
 set -uo pipefail
 
-pulsara=$1 song=$2 recording=$3
-rate=${4:-44100} channels=${5:-1}
-shift $(( $# < 5 ? $# : 5 ))
-[ "${1:-}" = "--" ] && shift
+rate=44100 channels=1 recording=""
+while [ $# -gt 0 ]; do
+    case $1 in
+    --rate) rate=$2; shift 2 ;;
+    --channels) channels=$2; shift 2 ;;
+    --record) recording=$2; shift 2 ;;
+    --) shift; break ;;
+    *) echo "with_null_sink.sh: unknown option $1" >&2; exit 2 ;;
+    esac
+done
+[ $# -gt 0 ] || { echo "with_null_sink.sh: no command" >&2; exit 2; }
 
-command -v pulseaudio >/dev/null && command -v parec >/dev/null || exit 77
+command -v pulseaudio >/dev/null && command -v pactl >/dev/null && command -v parec >/dev/null || exit 77
 
 runtime=$(mktemp -d)
 server_pid="" recorder_pid=""
@@ -40,17 +48,20 @@ done
 pactl info >/dev/null 2>&1 || { cat "$runtime/server.log" >&2; exit 77; }
 pactl set-default-sink pulsara_test
 
-parec --latency-msec=20 -d pulsara_test.monitor --format=s16le --rate="$rate" --channels="$channels" --raw >"$recording" &
-recorder_pid=$!
-# Recording starts only once the server lists the recorder's stream.
-for _ in $(seq 50); do
-    [ -n "$(pactl list short source-outputs 2>/dev/null)" ] && break
-    sleep 0.1
-done
-# A moment of silence first wakes the sink, so that the song's first notes are recorded too.
+if [ -n "$recording" ]; then
+    # A short recording latency: the recorder's default buffers lose the first notes.
+    parec --latency-msec=20 -d pulsara_test.monitor --format=s16le --rate="$rate" --channels="$channels" --raw >"$recording" &
+    recorder_pid=$!
+    # Recording starts only once the server lists the recorder's stream.
+    for _ in $(seq 50); do
+        [ -n "$(pactl list short source-outputs 2>/dev/null)" ] && break
+        sleep 0.1
+    done
+fi
+# A moment of silence first wakes the sink, so that the first notes are heard (and recorded) too.
 head -c $(( rate * channels )) /dev/zero | pacat -d pulsara_test --format=s16le --rate="$rate" --channels="$channels" --raw
 
-"$pulsara" --play "$song" --rate "$rate" "$@" </dev/null
+"$@"
 status=$?
-sleep 0.3
+[ -n "$recording" ] && sleep 0.3
 exit $status

@@ -34,6 +34,9 @@ public:
     // Device callback thread: no allocation, locks, I/O or logging.
     // Adds `frames` output frames of `channels` channels into `out` when playing. Returns -1 when
     // it was playing (handled), 0 otherwise. Clears the playing flag when the data runs out.
+    // At rate 1.0 the frames are copied; otherwise they are resampled with the nearest or the
+    // linear method. `channels` must be the sample's own channel count (an output of another
+    // count stops the sample unmixed), and more than 2 is fatal when resampling.
     int mix(float* out, uint32_t frames, uint32_t channels);
     // Clears `out`, then mixes into it.
     int render(float* out, uint32_t frames, uint32_t channels);

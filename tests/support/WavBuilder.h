@@ -7,7 +7,9 @@
 //   TempWavFile file(bytes, "kick.hard.wav");
 //   sample.load(file.path());
 
+#include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -15,7 +17,6 @@
 #include <optional>
 #include <string>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace pulsara::test {

@@ -54,7 +54,7 @@ StandInScreen::StandInScreen(Skin& skin)
     , leftMeter_(kMeterSegments)
     , rightMeter_(kMeterSegments)
     , cpuMeter_(kMeterSegments)
-    , grid_(skin, skin.stepsPat, pattern_)
+    , grid_(skin, skin.stepsPat, pattern_, u"smp ")
 {
     writeStarterBeat(pattern_);
     writeStarterArrangement(playlist_);
@@ -139,7 +139,10 @@ void StandInScreen::selectPage(int page)
 {
     pageButton0_.setPressed(page == 0);
     pageButton1_.setPressed(page == 1);
-    grid_.setStrip(page == 0 ? skin_.stepsPat : skin_.stepsPlst);
+    if (page == 0)
+        grid_.show(skin_.stepsPat, pattern_, u"smp ");
+    else
+        grid_.show(skin_.stepsPlst, playlist_, u"patt ");
 }
 
 void StandInScreen::layout(const ElemRect& rect)

@@ -24,10 +24,11 @@ const QColor kPlayMarker(0x2e, 0xc4, 0xb6);
 
 } // namespace
 
-StepGridPreview::StepGridPreview(Skin& skin, SkinSteps& strip, StepGrid& grid)
+StepGridPreview::StepGridPreview(Skin& skin, SkinSteps& strip, StepGrid& grid, std::u16string labelPrefix)
     : skin_(skin)
     , strip_(&strip)
-    , grid_(grid)
+    , grid_(&grid)
+    , labelPrefix_(std::move(labelPrefix))
 {
     font_.setFamily(QStringLiteral("Liberation Sans"));
     font_.setPixelSize(11);
@@ -37,21 +38,24 @@ StepGridPreview::StepGridPreview(Skin& skin, SkinSteps& strip, StepGrid& grid)
     addChild(&scrollBar_);
 }
 
-void StepGridPreview::setStrip(SkinSteps& strip)
+void StepGridPreview::show(SkinSteps& strip, StepGrid& grid, std::u16string labelPrefix)
 {
     strip_ = &strip;
+    grid_ = &grid;
+    labelPrefix_ = std::move(labelPrefix);
+    cursorColumn_ = cursorRow_ = 0;
     layout(rect_);
     redraw();
 }
 
 int32_t StepGridPreview::columns() const
 {
-    return int32_t(grid_.length());
+    return int32_t(grid_->length());
 }
 
 int32_t StepGridPreview::rows() const
 {
-    return int32_t(grid_.rows());
+    return int32_t(grid_->rows());
 }
 
 void StepGridPreview::layout(const ElemRect& rect)
@@ -80,7 +84,7 @@ void StepGridPreview::layout(const ElemRect& rect)
 int32_t StepGridPreview::cellImage(uint32_t row, uint32_t column) const
 {
     int32_t parity = int32_t(column / beatLength_ % 2);
-    int32_t colour = grid_.isNote(row, column) ? (int32_t(row) % strip_->count() + 1) * 2 : 0;
+    int32_t colour = grid_->isNote(row, column) ? (int32_t(row) % strip_->count() + 1) * 2 : 0;
     return colour + parity + 2;
 }
 
@@ -116,7 +120,7 @@ void StepGridPreview::paintRow(DeviceContext* dc, int32_t screenRow)
     ElemRect label { rect_.x, rect_.y + (screenRow + 1) * cellHeight_, labelWidth_, cellHeight_ };
     skin_.panelBckD.setDestination(dc);
     skin_.panelBckD.drawInRect(label);
-    std::u16string name = u"smp " + fromUtf8(std::to_string(row + 1));
+    std::u16string name = labelPrefix_ + fromUtf8(std::to_string(row + 1));
     dc->setPen(kLabelText);
     TextPainter text;
     text.setText(name.c_str());
@@ -188,14 +192,14 @@ void StepGridPreview::touch(int32_t x, int32_t y)
     }
     uint32_t row = uint32_t(screenRow - 1);
     if (drag_ == Drag::None)
-        drag_ = grid_.isNote(row, uint32_t(column)) ? Drag::Erasing : Drag::Painting;
+        drag_ = grid_->isNote(row, uint32_t(column)) ? Drag::Erasing : Drag::Painting;
     // A fast drag skips cells; every column between the last touch and this one is included.
     int32_t from = previousColumn < 0 ? screenColumn : previousColumn;
     int32_t direction = screenColumn >= from ? 1 : -1;
     if (std::abs(screenColumn - from) <= 1)
         from = screenColumn;
     for (int32_t c = from;; c += direction) {
-        grid_.setCell(row, uint32_t(firstColumn_ + c), drag_ == Drag::Painting ? kDefaultNote : kEmptyStep);
+        grid_->setCell(row, uint32_t(firstColumn_ + c), drag_ == Drag::Painting ? kDefaultNote : kEmptyStep);
         invalidateRect(cellRect(c, screenRow));
         if (c == screenColumn)
             break;

@@ -6,6 +6,7 @@
 #include <QFont>
 
 #include <functional>
+#include <string>
 
 namespace pulsara {
 
@@ -19,9 +20,11 @@ class StepGrid;
 // position. The full editors replace it.
 class StepGridPreview : public ElementContainer {
 public:
-    StepGridPreview(Skin&, SkinSteps& strip, StepGrid&);
+    // Shows the grid's rows labelled with the prefix and their number from 1 ("smp 1").
+    StepGridPreview(Skin&, SkinSteps& strip, StepGrid&, std::u16string labelPrefix);
 
-    void setStrip(SkinSteps&);
+    // Switches to another grid and strip, as the editor pages do.
+    void show(SkinSteps&, StepGrid&, std::u16string labelPrefix);
     uint32_t beatLength() const { return beatLength_; }
     int32_t playPosition() const { return playPosition_; }
     int32_t firstColumn() const { return firstColumn_; }
@@ -55,7 +58,8 @@ private:
 
     Skin& skin_;
     SkinSteps* strip_;
-    StepGrid& grid_;
+    StepGrid* grid_;
+    std::u16string labelPrefix_;
     ScrollBar scrollBar_;
     QFont font_;
     uint32_t beatLength_ = 4;

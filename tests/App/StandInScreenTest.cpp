@@ -84,6 +84,25 @@ TEST(StandInScreen, TapsReachTheGridThroughThePanelsAndDragsPaintEveryCell)
     EXPECT_EQ(open.screen.backBuffer().image().pixel(open.cell(1, 5)), emptyCell);
 }
 
+TEST(StandInScreen, PageButtonsSwitchTheGridBetweenThePatternAndPlaylistStrips)
+{
+    OpenScreen::loadSkin();
+    OpenScreen open;
+    open.window.paintRegion = QRegion(open.screen.rect()->toQRect());
+    open.screen.handleMessage(kMessagePaint, 0, 0);
+    // Row 0 holds a note at column 0 on both pages (a pattern's first step, the first pattern at
+    // the song's start), each in its strip's first row colour.
+    QRgb patternNote = open.screen.backBuffer().image().pixel(open.cell(0, 0));
+
+    // The second page button, right of the first.
+    open.tap(theSkin().draw.width() / 2 + theSkin().hand.width() / 4, open.screen.unitHeight() * 3 / 2);
+    open.screen.handleMessage(kMessagePaint, 0, 0);
+    QRgb playlistNote = open.screen.backBuffer().image().pixel(open.cell(0, 0));
+    EXPECT_NE(playlistNote, patternNote);
+    EXPECT_EQ(QColor(playlistNote).rgb(), theSkin().stepsPlst.image().pixel(4 * 28 + 14, 12));
+    EXPECT_EQ(QColor(patternNote).rgb(), theSkin().stepsPat.image().pixel(4 * 28 + 14, 12));
+}
+
 TEST(StandInScreen, EscapeEndsTheProgram)
 {
     OpenScreen::loadSkin();

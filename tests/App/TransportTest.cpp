@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -152,6 +153,29 @@ TEST(Transport, LiveTriggerStartsAStoppedStreamWithoutTheSong)
     EXPECT_TRUE(rig.transport.isRunning());
     EXPECT_FALSE(rig.transport.isPlaying());
     EXPECT_EQ(rig.song.player().soloTrack(), 3);
+}
+
+TEST(Transport, LiveTriggerSoundsFromTheNextFill)
+{
+    TransportRig rig;
+    rig.song.instrument(5).sample().setFrames(std::vector<float>(2 * 100, 0.5f), 2);
+    rig.transport.setDocumentFlags(0);
+    ASSERT_EQ(rig.transport.play(), 1);
+    rig.transport.stopPlaying();
+    ASSERT_TRUE(rig.device.playOne());
+    std::vector<int16_t> before = rig.device.lastPlayed();
+    EXPECT_TRUE(std::all_of(before.begin(), before.end(), [](int16_t s) { return s == 0; }));
+
+    ASSERT_EQ(rig.transport.triggerLive(5), 1);
+    // Both queued buffers were rendered before the trigger; the first refill after it sounds.
+    ASSERT_TRUE(rig.device.playOne());
+    ASSERT_TRUE(rig.device.playOne());
+    EXPECT_EQ(rig.device.lastPlayed(), before);
+    ASSERT_TRUE(rig.device.playOne());
+    std::vector<int16_t> after = rig.device.lastPlayed();
+    ASSERT_FALSE(after.empty());
+    EXPECT_NE(after[0], 0);
+    EXPECT_EQ(after[0], after[1]);
 }
 
 TEST(Transport, LiveKeysMapToTracksInRowOrder)

@@ -20,3 +20,4 @@ frames=$(( ($(stat -c %s "$out") - 46) / 4 ))
 seconds=$(awk -v f="$frames" 'BEGIN { printf "%.2f", f / 44100 }')
 peak=$(sox "$out" -n stat 2>&1 | awk -F: '/Maximum amplitude/ { gsub(/ /, "", $2); print $2 }')
 echo "Rendered the demo song to $out: $seconds s, 44100 Hz stereo, peak level $peak of full scale."
+echo "To hear it on the sound device: $build/pulsara --play $demo (Enter or Ctrl+C stops it)."

@@ -16,7 +16,8 @@ constexpr int kNearestChannelsLine = 135;
 
 // The fast loops work in chunks of this many output frames: the first pass computes source
 // indices (and fractions) into stack arrays, the second gathers and accumulates. A constant trip
-// count lets the compiler vectorise both passes fully at -O2.
+// count lets the compiler vectorise the first pass at -O2, and the nearest method's second;
+// the linear method's second pass is written with SSE2 or AVX (LinearLanes.h).
 constexpr int32_t kChunkFrames = 64;
 
 // Positions at or beyond this cannot be taken as an int32 frame index.

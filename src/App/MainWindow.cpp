@@ -17,6 +17,8 @@ MainWindow::MainWindow(RootElement& root) : canvas_(root, this)
     setWindowTitle(QStringLiteral("Pulsara"));
     setCentralWidget(&canvas_);
     canvas_.setMinimumSize(240, 160);
+    // The keys (Escape, later the live-play keys) go to the canvas from the start.
+    canvas_.setFocus();
     // Until the shell's commands arrive only Exit works; the rest show greyed.
     canvas_.buildMenus = [&root](QMenuBar* menuBar) {
         return buildMenuBar(

@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -28,20 +29,24 @@ int reportBitmapFault(int line, std::u16string_view message)
 int SkinBitmap::load(std::u16string_view path)
 {
     free();
-    std::ifstream file(nativePath(path), std::ios::binary);
-    if (!file) {
+    fileBytes_.clear();
+    std::error_code error;
+    const std::string native = nativePath(path);
+    // Only a regular file opens; a folder of that name is as missing as no file at all.
+    std::ifstream file;
+    if (std::filesystem::is_regular_file(native, error))
+        file.open(native, std::ios::binary);
+    if (!file.is_open()) {
         std::string line = "no bitmap file: " + toUtf8(path) + "\n\r\n";
         std::fputs(line.c_str(), stderr);
         return reportBitmapFault(65, u"no bmp");
     }
-    file.seekg(0, std::ios::end);
-    std::streamoff size = file.tellg();
-    file.seekg(0, std::ios::beg);
-    if (size > 0 && !tryResize(fileBytes_, static_cast<size_t>(size)))
-        return 0;
-    if (size > 0)
-        file.read(reinterpret_cast<char*>(fileBytes_.data()), size);
-    if (size <= 0 || file.gcount() <= 0)
+    const uintmax_t size = std::filesystem::file_size(native, error);
+    // A file too large to hold reports the memory message, then counts as nothing read.
+    if (error || size == 0 || !tryResize(fileBytes_, static_cast<size_t>(size)))
+        return reportBitmapFault(72, u"noread");
+    file.read(reinterpret_cast<char*>(fileBytes_.data()), static_cast<std::streamsize>(size));
+    if (file.gcount() <= 0)
         return reportBitmapFault(72, u"noread");
     fileBytes_.resize(static_cast<size_t>(file.gcount()));
 

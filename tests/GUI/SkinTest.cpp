@@ -91,6 +91,7 @@ TEST_F(SkinDeathTest, EveryBitmapRefusalIsFatalWithItsMessage)
     std::vector<uint8_t> notBitmap = badHeader.build();
     notBitmap[1] = 'A';
     writeFile(folder.filePath("empty.bmp"), {});
+    QDir(folder.path()).mkdir("folder.bmp");
     writeFile(folder.filePath("ba.bmp"), notBitmap);
     writeFile(folder.filePath("bad.bmp"), badHeader.build());
     struct Case {
@@ -99,6 +100,7 @@ TEST_F(SkinDeathTest, EveryBitmapRefusalIsFatalWithItsMessage)
     };
     const Case cases[] = {
         { "missing.bmp", "no bmp" },
+        { "folder.bmp", "no bmp" },
         { "empty.bmp", "noread" },
         { "ba.bmp", "not a bitmap file" },
         { "bad.bmp", "can't create bitmap" },

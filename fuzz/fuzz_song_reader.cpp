@@ -45,7 +45,6 @@ struct Harness {
         setFatalErrorsUnwind(true);
         setErrorPresenter(&presenter);
     }
-    ~Harness() { std::remove(toUtf8(path).c_str()); }
 
     SilentPresenter presenter;
     CheckingLocator locator;
@@ -53,13 +52,28 @@ struct Harness {
     std::u16string path;
 };
 
-bool writeFile(const std::u16string& path, const uint8_t* data, size_t size)
+// The input's file lives only while it is being loaded: libFuzzer ends without running static
+// destructors, so nothing is left to remove at exit.
+class ScratchFile {
+public:
+    ScratchFile(const std::u16string& path, const uint8_t* data, size_t size);
+    ~ScratchFile() { std::remove(name_.c_str()); }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+private:
+    std::string name_;
+};
+
+ScratchFile::ScratchFile(const std::u16string& path, const uint8_t* data, size_t size)
+    : name_(toUtf8(path))
 {
-    std::FILE* file = std::fopen(toUtf8(path).c_str(), "wb");
+    std::FILE* file = std::fopen(name_.c_str(), "wb");
     if (!file)
-        return false;
+        std::abort();
     bool written = std::fwrite(data, 1, size, file) == size;
-    return std::fclose(file) == 0 && written;
+    if (std::fclose(file) != 0 || !written)
+        std::abort();
 }
 
 } // namespace
@@ -67,10 +81,9 @@ bool writeFile(const std::u16string& path, const uint8_t* data, size_t size)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static Harness harness;
-    if (!writeFile(harness.path, data, size))
-        std::abort();
     int loaded = 0;
     try {
+        ScratchFile file(harness.path, data, size);
         loaded = loadSong(harness.song, harness.path, harness.locator);
     } catch (const FatalErrorUnwind&) {
         return 0;

@@ -91,7 +91,8 @@ public:
     // The format handed to the device at the last open.
     const WaveFormat& waveFormat() const { return waveFormat_; }
     size_t floatBufferBytes() const { return mixBuffer_.size() * sizeof(float); }
-    size_t deviceBufferBytes(int buffer) const { return deviceBuffers_[buffer].size() * sizeof(int16_t); }
+    // Buffer 0 or 1 (any other value reads buffer 1).
+    size_t deviceBufferBytes(int buffer) const { return deviceBuffers_[buffer == 0 ? 0 : 1].size() * sizeof(int16_t); }
 
 protected:
     // The peak of each channel in the buffer just filled, signed (mono: the same value twice).

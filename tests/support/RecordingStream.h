@@ -2,7 +2,6 @@
 
 #include "Sound/WaveOutStream.h"
 #include "base/ErrorReporter.h"
-#include "base/text.h"
 
 #include <string>
 #include <utility>

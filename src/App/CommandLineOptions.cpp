@@ -10,7 +10,7 @@ const char* const kUsageText =
     "       pulsara --dump SONG               print the loaded song as JSON on stdout, no window\n"
     "       pulsara --play SONG               play SONG on the audio device until it ends or Enter/Ctrl+C\n"
     "         --rate HZ  --mono | --stereo  --interpolation none|linear  --latency MS\n"
-    "         --loop (play the song's loop range forever)  --live (keys 1-0, q-p, a-l, z-m play tracks 1-40)\n"
+    "         --loop (play the song's loop range forever)  --live (keys 1-0, q-p, a-l, z-m play tracks 1-36)\n"
     "       pulsara --help | --version\n";
 
 namespace {

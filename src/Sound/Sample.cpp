@@ -5,7 +5,6 @@
 #include "base/mem.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace pulsara {
 
@@ -130,7 +129,7 @@ bool Sample::setFrames(std::vector<float> interleaved, uint32_t channels)
     channels = std::clamp<uint32_t>(channels, 1, 2);
     uint32_t length = static_cast<uint32_t>(interleaved.size() / channels);
     length_ = 0;
-    if (!tryResize(interleaved, (std::size_t { length } + 1) * channels)) 
+    if (!tryResize(interleaved, (std::size_t { length } + 1) * channels))
         return false;
     std::fill(interleaved.end() - channels, interleaved.end(), 0.0f);
     frames_ = std::move(interleaved);

@@ -9,7 +9,6 @@
 #include "base/mem.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <vector>
 

@@ -2,7 +2,7 @@
 
 #include "base/ErrorReporter.h"
 
-#include "Sound/LinearLanes.h"
+#include "Sound/MixLanes.h"
 
 #include <cmath>
 
@@ -17,7 +17,7 @@ constexpr int kNearestChannelsLine = 135;
 // The fast loops work in chunks of this many output frames: the first pass computes source
 // indices (and fractions) into stack arrays, the second gathers and accumulates. A constant trip
 // count lets the compiler vectorise the first pass at -O2, and the nearest method's second;
-// the linear method's second pass is written with SSE2 or AVX (LinearLanes.h).
+// the linear method's second pass is written with SSE2 or AVX (MixLanes.h).
 constexpr int32_t kChunkFrames = 64;
 
 // Positions at or beyond this cannot be taken as an int32 frame index.
@@ -32,6 +32,12 @@ template<uint32_t Channels>
     for (int32_t j = 0; j < count; ++j)
         offsets[j] = static_cast<int32_t>(static_cast<float>(first + j) * rate);
     float* target = out + static_cast<std::ptrdiff_t>(first) * Channels;
+#if defined(PULSARA_X86_LANES)
+    if constexpr (Channels == 2) {
+        lanes::mixNearestStereoSse2(target, source, offsets, count, volume);
+        return;
+    }
+#endif
     for (int32_t j = 0; j < count; ++j) {
         const float* frame = source + static_cast<std::ptrdiff_t>(offsets[j]) * Channels;
         for (uint32_t c = 0; c < Channels; ++c)

@@ -1,10 +1,11 @@
 #pragma once
 
-// The interpolation step of the linear method over a run of frames whose source indices and
-// fractions are already known, in three builds of the same arithmetic: plain C++, SSE2 and AVX.
-// Every value goes through the same float and double operations in the same order in all three
-// (s1 - s0 in float, s0 + frac x delta in double, narrowed, times the volume, added in float),
-// so all of them give the same output to the bit. Private to Resampler.cpp.
+// The second pass of the mix kernels over a run of frames whose source indices (and fractions)
+// are already known. The linear method's interpolation comes in three builds of the same
+// arithmetic: plain C++, SSE2 and AVX. Every value goes through the same float and double
+// operations in the same order in all of them (s1 - s0 in float, s0 + frac x delta in double,
+// narrowed, times the volume, added in float), so all give the same output to the bit. The
+// nearest method's stereo gather has an SSE2 build too. Private to Resampler.cpp.
 
 #include <cstddef>
 #include <cstdint>
@@ -82,6 +83,25 @@ template<uint32_t Channels>
         }
     }
     mixPlain<Channels>(target, source, indices, fracs, j, count, volume);
+}
+
+// The nearest method's second pass for stereo: output frame j += source frame offsets[j] x
+// volume. Each source frame is two adjacent floats, so two frames fill one register.
+[[gnu::always_inline]] inline void mixNearestStereoSse2(float* __restrict target, const float* __restrict source,
+    const int32_t* offsets, int32_t count, float volume)
+{
+    const __m128 volumes = _mm_set1_ps(volume);
+    int32_t j = 0;
+    for (; j + 2 <= count; j += 2) {
+        __m128 frames = _mm_loadh_pi(loadTwo(source + static_cast<std::ptrdiff_t>(offsets[j]) * 2),
+            reinterpret_cast<const __m64*>(source + static_cast<std::ptrdiff_t>(offsets[j + 1]) * 2));
+        _mm_storeu_ps(target + 2 * j, _mm_add_ps(_mm_loadu_ps(target + 2 * j), _mm_mul_ps(frames, volumes)));
+    }
+    for (; j < count; ++j) {
+        const float* frame = source + static_cast<std::ptrdiff_t>(offsets[j]) * 2;
+        target[2 * j] += frame[0] * volume;
+        target[2 * j + 1] += frame[1] * volume;
+    }
 }
 
 // Four values at once: s0 and s1 of each in the lanes of `s0` and `s1`.

@@ -43,7 +43,8 @@ double mixLinear(const MixTarget&, const MixSource&, double position, float rate
 enum class MixLanes { Plain, Sse2, Avx };
 MixLanes bestMixLanes();
 bool isAvailable(MixLanes);
-// The linear method on the given instruction set, which must be available (tests and benchmarks).
+// The linear method on the given instruction set (tests and benchmarks); one this processor
+// lacks is replaced by the best one.
 double mixLinearOn(MixLanes, const MixTarget&, const MixSource&, double position, float rate, float volume);
 
 } // namespace pulsara

@@ -13,7 +13,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <unistd.h>
 
 #ifndef PULSARA_VERSION
@@ -46,61 +45,46 @@ void drawProgress(uint64_t done, uint64_t total)
         std::fputs("\r\033[K", stderr);
 }
 
-// A song loaded for the command line, with the reporting it needs.
-struct LoadedSong {
-    ConsolePresenter presenter;
-    std::unique_ptr<Song> song;
-};
-
-int loadForCommandLine(LoadedSong& loaded, const CommandLineOptions& options)
+// Loads the song for a mode without a window and runs `action` on it. Any error reported on
+// the way makes the exit status 1, even when the action itself got through.
+template<typename Action>
+int withLoadedSong(const CommandLineOptions& options, Action action)
 {
-    setErrorPresenter(&loaded.presenter);
+    ConsolePresenter presenter;
+    setErrorPresenter(&presenter);
     std::u16string songPath = absolutePath(options.songPath);
-    loaded.presenter.setCurrentFile(songPath);
-    loaded.song = std::make_unique<Song>(options.format());
-    loaded.song->setInterpolation(options.interpolation);
+    presenter.setCurrentFile(songPath);
+    Song song(options.format());
+    song.setInterpolation(options.interpolation);
     ConsoleSampleLocator locator(songPath, samplesFolder());
-    if (!loadSong(*loaded.song, songPath, locator))
-        return kExitError;
-    return kExitDone;
+    int status = loadSong(song, songPath, locator) ? action(song, presenter) : kExitError;
+    setErrorPresenter(nullptr);
+    return presenter.sawError() ? kExitError : status;
 }
 
 int runExport(const CommandLineOptions& options)
 {
-    LoadedSong loaded;
-    int status = loadForCommandLine(loaded, options);
-    if (status == kExitDone) {
+    return withLoadedSong(options, [&](Song& song, ConsolePresenter& presenter) {
         std::u16string output = absolutePath(options.outputPath);
-        loaded.presenter.setCurrentFile(output);
+        presenter.setCurrentFile(output);
         WavExporter::Progress progress;
         if (isatty(STDERR_FILENO))
             progress = drawProgress;
-        WavExporter exporter;
-        if (!exporter.exportTo(loaded.song->player(), output, progress))
-            status = kExitError;
-    }
-    setErrorPresenter(nullptr);
-    return loaded.presenter.sawError() ? kExitError : status;
+        return WavExporter().exportTo(song.player(), output, progress) ? kExitDone : kExitError;
+    });
 }
 
 int runDump(const CommandLineOptions& options)
 {
-    LoadedSong loaded;
-    int status = loadForCommandLine(loaded, options);
-    if (status == kExitDone)
-        std::fputs(dumpSongJson(*loaded.song).c_str(), stdout);
-    setErrorPresenter(nullptr);
-    return loaded.presenter.sawError() ? kExitError : status;
+    return withLoadedSong(options, [](Song& song, ConsolePresenter&) {
+        std::fputs(dumpSongJson(song).c_str(), stdout);
+        return kExitDone;
+    });
 }
 
 int runPlay(const CommandLineOptions& options)
 {
-    LoadedSong loaded;
-    int status = loadForCommandLine(loaded, options);
-    if (status == kExitDone)
-        status = playSong(*loaded.song, options);
-    setErrorPresenter(nullptr);
-    return loaded.presenter.sawError() ? kExitError : status;
+    return withLoadedSong(options, [&](Song& song, ConsolePresenter&) { return playSong(song, options); });
 }
 
 } // namespace
@@ -128,7 +112,6 @@ int runCommandLine(int argc, char** argv)
     case RunMode::Play:
         return runPlay(options);
     case RunMode::Window:
-        // The window
         return runWindow(argc, argv, fromUtf8(options.songPath));
     }
     return kExitUsage;

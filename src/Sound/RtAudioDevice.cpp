@@ -1,8 +1,38 @@
 #include "Sound/RtAudioDevice.h"
 
+#include <alsa/asoundlib.h>
+
+#include <iostream>
+#include <sstream>
+
 namespace pulsara {
 
 namespace {
+
+void ignoreAlsaMessage(const char*, int, const char*, int, const char*, ...) { }
+
+// RtAudio and ALSA describe on stderr every back end they fail to reach while RtAudio probes for
+// devices, before its own warnings can be switched off; the device's caller says in one line
+// what failed instead.
+class QuietAudioLibraries {
+public:
+    QuietAudioLibraries()
+        : saved_(std::cerr.rdbuf(discarded_.rdbuf()))
+    {
+        snd_lib_error_set_handler(&ignoreAlsaMessage);
+    }
+    ~QuietAudioLibraries()
+    {
+        std::cerr.rdbuf(saved_);
+        snd_lib_error_set_handler(nullptr);
+    }
+    QuietAudioLibraries(const QuietAudioLibraries&) = delete;
+    QuietAudioLibraries& operator=(const QuietAudioLibraries&) = delete;
+
+private:
+    std::ostringstream discarded_;
+    std::streambuf* saved_;
+};
 
 // Errors on RtAudio's own thread must neither throw nor print there; the device notices a
 // dead output by the missing done notifications.
@@ -23,6 +53,7 @@ RtAudioDevice::~RtAudioDevice()
 
 WaveResult RtAudioDevice::openOutput(const WaveFormat& format)
 {
+    QuietAudioLibraries quiet;
     try {
         rtAudio_ = std::make_unique<RtAudio>(api_);
         rtAudio_->showWarnings(false);

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <unistd.h>
 
 using namespace pulsara;
 
@@ -71,7 +72,10 @@ int16_t sampleAt(const std::vector<uint8_t>& bytes, std::size_t index)
 
 class WavExporterTest : public ::testing::Test {
 protected:
-    std::filesystem::path path = std::filesystem::temp_directory_path() / "pulsara_export_test.wav";
+    // ctest runs tests in parallel processes: each needs a file of its own.
+    std::filesystem::path path = std::filesystem::temp_directory_path()
+        / ("pulsara_export_" + std::to_string(::getpid()) + "_"
+            + ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".wav");
     void TearDown() override { std::filesystem::remove(path); }
     std::u16string target() const { return fromUtf8(path.string()); }
 };

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <unistd.h>
 
 using namespace pulsara;
 
@@ -90,7 +91,7 @@ TEST(Path, FirstComponentFollowsTheFirstSeparatorAfterTheFirstUnit)
 
 TEST(Path, FileExistsOnlyForReadableFiles)
 {
-    auto file = std::filesystem::temp_directory_path() / "pulsara_path_test.txt";
+    auto file = std::filesystem::temp_directory_path() / ("pulsara_path_" + std::to_string(::getpid()) + ".txt");
     std::FILE* handle = std::fopen(file.c_str(), "w");
     ASSERT_NE(handle, nullptr);
     std::fclose(handle);

@@ -10,30 +10,20 @@ TEST(Playlist, LastUsedPositionFollowsTheHighestColumnWithACell)
     playlist.set(3, 10, 1.0f);
     EXPECT_EQ(playlist.lastUsedPosition(), 10);
     playlist.set(5, 4, 1.0f);
+    playlist.set(6, 4, 1.0f);
     EXPECT_EQ(playlist.lastUsedPosition(), 10);
     // Switching the last column off falls back to the next column down that has a cell.
     playlist.set(3, 10, 0.0f);
     EXPECT_EQ(playlist.lastUsedPosition(), 4);
+    // Another row keeps a column in use.
     playlist.set(5, 4, 0.0f);
+    EXPECT_EQ(playlist.lastUsedPosition(), 4);
+    playlist.set(6, 4, 0.0f);
     EXPECT_EQ(playlist.lastUsedPosition(), 0);
-}
-
-TEST(Playlist, ColumnZeroNeverMovesTheLastUsedPosition)
-{
-    Playlist playlist(40, 256);
+    // Column 0 never moves it.
     playlist.set(0, 0, 1.0f);
     EXPECT_EQ(playlist.lastUsedPosition(), 0);
     EXPECT_EQ(playlist.get(0, 0), 1.0f);
-    EXPECT_FALSE(playlist.isEmpty());
-}
-
-TEST(Playlist, AnotherRowKeepsAColumnInUse)
-{
-    Playlist playlist(40, 256);
-    playlist.set(1, 7, 1.0f);
-    playlist.set(2, 7, 1.0f);
-    playlist.set(1, 7, 0.0f);
-    EXPECT_EQ(playlist.lastUsedPosition(), 7);
 }
 
 TEST(Playlist, OutOfRangeCellsAreIgnored)

@@ -63,9 +63,6 @@ void PatternPlayer::setTempo(float beatsPerMinute)
         beatsPerMinute = kMinTempo;
     tempo_.store(beatsPerMinute, std::memory_order_relaxed);
     recomputeFramesPerStep();
-    float stepsPerMinutePerBeat = static_cast<float>(length()) * beatsPerMinute / static_cast<float>(beatsPerPattern());
-    for (TrackVoice& track : tracks_)
-        track.setTempo(stepsPerMinutePerBeat);
 }
 
 void PatternPlayer::setBeatsPerPattern(uint32_t beats)

@@ -13,7 +13,8 @@ class Instrument;
 // A block is mixed stretch by stretch: each trigger or note-end splits it, and every stretch in
 // which the sample sounds is one call of the sample's mix. A trigger cuts the sounding note at
 // its frame and restarts the sample from the beginning. A note with a length parameter
-// (steps as 8.8 fixed point) ends by itself that many steps later, to the frame.
+// (steps as 8.8 fixed point) ends by itself that many steps later, to the frame; the frames per
+// step come with every block, so note lengths follow tempo changes.
 //
 // Device callback thread (all operations but setInstrument): no allocation, locks, I/O or logging.
 class TrackVoice {
@@ -31,9 +32,6 @@ public:
     // Silences the sounding note at once.
     void cut();
 
-    // Steps per minute per beat: the tempo as the voice sees it.
-    void setTempo(float stepsPerMinutePerBeat) { tempo_ = stepsPerMinutePerBeat; }
-
 private:
     void mixUntil(uint32_t frame);
 
@@ -46,7 +44,6 @@ private:
     // Frames from the start of the block at which the sounding note ends; negative when it
     // plays until the sample ends or the next trigger.
     int64_t noteEnd_ = -1;
-    float tempo_ = 0.0f;
 };
 
 } // namespace pulsara

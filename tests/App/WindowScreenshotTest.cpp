@@ -9,7 +9,6 @@
 #include "GUI/QtTestApplication.h"
 #include "GUI/Skin.h"
 
-#include <QElapsedTimer>
 #include <QImage>
 #include <gtest/gtest.h>
 
@@ -20,35 +19,29 @@ namespace {
 
 constexpr int kChannelTolerance = 12;
 
-QImage screenshot(int width, int height)
+QImage screenshot(QSize size)
 {
     test::testApplication();
-    Skin& skin = theSkin();
-    skin.setInstallDir(u"" PULSARA_SHARE_DIR "/");
-    skin.load();
-    StandInScreen screen(skin);
+    theSkin().setInstallDir(u"" PULSARA_SHARE_DIR "/");
+    theSkin().load();
+    StandInScreen screen(theSkin());
     MainWindow window(screen);
-    window.resize(width, height);
+    window.resize(size);
     window.show();
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < 100)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    test::runEventLoopFor(100);
     return window.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-// The number of pixels whose channels differ by more than the tolerance.
+// The number of pixels with a channel that differs by more than the tolerance.
 int differingPixels(const QImage& actual, const QImage& expected)
 {
     int differing = 0;
-    for (int y = 0; y < actual.height(); ++y) {
+    auto far = [](int a, int e) { return std::abs(a - e) > kChannelTolerance; };
+    for (int y = 0; y < actual.height(); ++y)
         for (int x = 0; x < actual.width(); ++x) {
             QRgb a = actual.pixel(x, y), e = expected.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(e)) > kChannelTolerance || std::abs(qGreen(a) - qGreen(e)) > kChannelTolerance
-                || std::abs(qBlue(a) - qBlue(e)) > kChannelTolerance)
-                ++differing;
+            differing += far(qRed(a), qRed(e)) || far(qGreen(a), qGreen(e)) || far(qBlue(a), qBlue(e));
         }
-    }
     return differing;
 }
 
@@ -59,17 +52,14 @@ TEST_P(WindowScreenshot, MatchesTheReference)
     const QSize size = GetParam();
     const QString name = QStringLiteral("window_%1x%2").arg(size.width()).arg(size.height());
     const QString referencePath = QStringLiteral(PULSARA_SOURCE_DIR "/tests/GUI/reference/") + name + ".png";
-    QImage actual = screenshot(size.width(), size.height());
+    QImage actual = screenshot(size);
     ASSERT_EQ(actual.size(), size);
-
     if (qEnvironmentVariableIsSet("PULSARA_UPDATE_REFERENCES")) {
         ASSERT_TRUE(actual.save(referencePath));
         GTEST_SKIP() << "wrote " << referencePath.toStdString();
     }
-    QImage expected(referencePath);
-    ASSERT_FALSE(expected.isNull()) << "no reference at " << referencePath.toStdString();
-    expected = expected.convertToFormat(QImage::Format_RGB32);
-    ASSERT_EQ(expected.size(), size);
+    QImage expected = QImage(referencePath).convertToFormat(QImage::Format_RGB32);
+    ASSERT_EQ(expected.size(), size) << "no reference of this size at " << referencePath.toStdString();
     int differing = differingPixels(actual, expected);
     if (differing > 0)
         actual.save(name + ".actual.png");
@@ -77,9 +67,7 @@ TEST_P(WindowScreenshot, MatchesTheReference)
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, WindowScreenshot, testing::Values(QSize(800, 600), QSize(480, 360)),
-    [](const testing::TestParamInfo<QSize>& info) {
-        return std::to_string(info.param.width()) + "x" + std::to_string(info.param.height());
-    });
+    [](const testing::TestParamInfo<QSize>& info) { return std::to_string(info.param.width()) + "x" + std::to_string(info.param.height()); });
 
 } // namespace
 } // namespace pulsara

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QString>
+
 #include <cstdint>
+#include <fstream>
 #include <vector>
 
 namespace pulsara::test {
@@ -17,37 +20,28 @@ struct BmpFileBuilder {
 
     std::vector<uint8_t> build() const
     {
-        std::vector<uint8_t> out;
-        auto put16 = [&](uint32_t v) {
-            out.push_back(uint8_t(v));
-            out.push_back(uint8_t(v >> 8));
-        };
-        auto put32 = [&](uint32_t v) {
-            put16(v & 0xFFFF);
-            put16(v >> 16);
+        std::vector<uint8_t> out { 'B', 'M' };
+        auto put = [&](uint32_t v, int bytes) {
+            for (int i = 0; i < bytes; ++i)
+                out.push_back(uint8_t(v >> (8 * i)));
         };
         uint32_t pixelOffset = 54 + uint32_t(palette.size()) * 4;
-        out.push_back('B');
-        out.push_back('M');
-        put32(pixelOffset + uint32_t(pixels.size()));
-        put32(0);
-        put32(pixelOffset);
-        put32(40);
-        put32(uint32_t(width));
-        put32(uint32_t(height));
-        put16(1);
-        put16(bitsPerPixel);
-        put32(compression);
-        put32(uint32_t(pixels.size()));
-        put32(0);
-        put32(0);
-        put32(uint32_t(palette.size()));
-        put32(0);
+        for (uint32_t field : { pixelOffset + uint32_t(pixels.size()), 0u, pixelOffset, 40u, uint32_t(width), uint32_t(height) })
+            put(field, 4);
+        put(1, 2);
+        put(bitsPerPixel, 2);
+        for (uint32_t field : { compression, uint32_t(pixels.size()), 0u, 0u, uint32_t(palette.size()), 0u })
+            put(field, 4);
         for (uint32_t colour : palette)
-            put32(colour);
+            put(colour, 4);
         out.insert(out.end(), pixels.begin(), pixels.end());
         return out;
     }
 };
+
+inline void writeFile(const QString& path, const std::vector<uint8_t>& bytes)
+{
+    std::ofstream(path.toStdString(), std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
 
 } // namespace pulsara::test

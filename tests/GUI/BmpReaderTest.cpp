@@ -1,8 +1,11 @@
 #include "GUI/BmpReader.h"
 #include "GUI/BmpWriter.h"
 #include "BmpFileBuilder.h"
+#include "PixelChecks.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 namespace pulsara {
 namespace {
@@ -11,11 +14,6 @@ using test::BmpFileBuilder;
 
 TEST(BmpReader, RefusesEmptyFilesFilesWithoutBMAndUncreatableHeaders)
 {
-    struct Case {
-        const char* name;
-        std::vector<uint8_t> bytes;
-        BmpFault fault;
-    };
     BmpFileBuilder good;
     good.pixels = { 1, 2, 3, 0 };
     auto withHeader = [&](auto change) {
@@ -23,117 +21,62 @@ TEST(BmpReader, RefusesEmptyFilesFilesWithoutBMAndUncreatableHeaders)
         change(builder);
         return builder.build();
     };
-    std::vector<Case> cases = {
-        { "empty", {}, BmpFault::NoRead },
-        { "one byte", { 'B' }, BmpFault::NotBitmap },
-        { "BA", withHeader([](auto&) { }), BmpFault::NotBitmap },
-        { "zero width", withHeader([](auto& b) { b.width = 0; }), BmpFault::CannotCreate },
-        { "negative width", withHeader([](auto& b) { b.width = -3; }), BmpFault::CannotCreate },
-        { "zero height", withHeader([](auto& b) { b.height = 0; }), BmpFault::CannotCreate },
-        { "12 bits", withHeader([](auto& b) { b.bitsPerPixel = 12; }), BmpFault::CannotCreate },
-        { "compressed", withHeader([](auto& b) { b.compression = 1; }), BmpFault::CannotCreate },
-        { "huge", withHeader([](auto& b) { b.width = b.height = 100000; }), BmpFault::CannotCreate },
-        { "header only", { 'B', 'M', 0, 0 }, BmpFault::CannotCreate },
+    std::vector<uint8_t> notBM = good.build(), cutInHeader = good.build();
+    notBM[1] = 'A';
+    cutInHeader.resize(20); // the missing fields read as zero
+    const std::pair<std::vector<uint8_t>, BmpFault> cases[] = {
+        { {}, BmpFault::NoRead },
+        { { 'B' }, BmpFault::NotBitmap },
+        { notBM, BmpFault::NotBitmap },
+        { withHeader([](auto& b) { b.width = 0; }), BmpFault::CannotCreate },
+        { withHeader([](auto& b) { b.width = -3; }), BmpFault::CannotCreate },
+        { withHeader([](auto& b) { b.height = 0; }), BmpFault::CannotCreate },
+        { withHeader([](auto& b) { b.bitsPerPixel = 12; }), BmpFault::CannotCreate },
+        { withHeader([](auto& b) { b.compression = 1; }), BmpFault::CannotCreate },
+        { withHeader([](auto& b) { b.width = b.height = 100000; }), BmpFault::CannotCreate },
+        { { 'B', 'M', 0, 0 }, BmpFault::CannotCreate },
+        { cutInHeader, BmpFault::CannotCreate },
+        { good.build(), BmpFault::None },
     };
-    cases[2].bytes[1] = 'A';
-    for (const Case& c : cases)
-        EXPECT_EQ(readBmp(c.bytes).fault, c.fault) << c.name;
-    EXPECT_EQ(readBmp(good.build()).fault, BmpFault::None);
+    for (size_t i = 0; i < std::size(cases); ++i)
+        EXPECT_EQ(readBmp(cases[i].first).fault, cases[i].second) << "case " << i;
 }
 
-TEST(BmpReader, Reads24BitBottomUpRows)
+TEST(BmpReader, DecodesThePixelBytesAsTheyLieInTheFile)
 {
-    BmpFileBuilder builder;
-    builder.width = 4; // 12 bytes a row: no padding
-    builder.height = 2;
-    builder.pixels = {
-        // bottom row: blue, green, red, white
-        255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255,
-        // top row: black, grey, ...
-        0, 0, 0, 128, 128, 128, 1, 2, 3, 4, 5, 6 };
-    BmpImage bitmap = readBmp(builder.build());
-    ASSERT_EQ(bitmap.fault, BmpFault::None);
-    ASSERT_EQ(bitmap.image.size(), QSize(4, 2));
-    EXPECT_EQ(bitmap.image.pixel(0, 1), qRgb(0, 0, 255));
-    EXPECT_EQ(bitmap.image.pixel(2, 1), qRgb(255, 0, 0));
-    EXPECT_EQ(bitmap.image.pixel(1, 0), qRgb(128, 128, 128));
-    EXPECT_EQ(bitmap.image.pixel(3, 0), qRgb(6, 5, 4));
-}
-
-TEST(BmpReader, NegativeHeightIsTopDown)
-{
-    BmpFileBuilder builder;
-    builder.width = 4;
-    builder.height = -2;
-    builder.pixels = std::vector<uint8_t>(24, 0);
-    builder.pixels[2] = 255; // first pixel of the first row in the file: red
-    BmpImage bitmap = readBmp(builder.build());
-    ASSERT_EQ(bitmap.fault, BmpFault::None);
-    // The copy count takes the low 16 bits of the height, far more than the file has; only
-    // what the file holds is copied.
-    EXPECT_EQ(bitmap.image.pixel(0, 0), qRgb(255, 0, 0));
-    EXPECT_EQ(bitmap.image.pixel(0, 1), qRgb(0, 0, 0));
-}
-
-TEST(BmpReader, Reads8BitThroughTheColourTable)
-{
-    BmpFileBuilder builder;
-    builder.width = 4;
-    builder.height = 1;
-    builder.bitsPerPixel = 8;
-    builder.palette = { 0x000000, 0xFF0000, 0x00FF00, 0x0000FF };
-    builder.pixels = { 3, 2, 1, 0 };
-    BmpImage bitmap = readBmp(builder.build());
-    ASSERT_EQ(bitmap.fault, BmpFault::None);
-    EXPECT_EQ(bitmap.image.pixel(0, 0), qRgb(0, 0, 255));
-    EXPECT_EQ(bitmap.image.pixel(1, 0), qRgb(0, 255, 0));
-    EXPECT_EQ(bitmap.image.pixel(2, 0), qRgb(255, 0, 0));
-    EXPECT_EQ(bitmap.image.pixel(3, 0), qRgb(0, 0, 0));
-}
-
-TEST(BmpReader, RowsAreTakenWithoutPaddingSoOddWidthsComeOutWrong)
-{
-    // (bits x height x width) / 8 = 18 bytes are copied straight into rows padded to 12 bytes.
-    BmpFileBuilder padded;
-    padded.width = 3;
-    padded.height = 2;
-    padded.pixels = {
-        10, 10, 10, 20, 20, 20, 30, 30, 30, 0, 0, 0, // bottom row and its padding
-        40, 40, 40, 50, 50, 50, 60, 60, 60, 0, 0, 0 }; // top row and its padding
-    BmpImage bitmap = readBmp(padded.build());
-    ASSERT_EQ(bitmap.fault, BmpFault::None);
-    // A padded file keeps its rows in place but loses its tail: the last pixel stays black.
-    EXPECT_EQ(bitmap.image.pixel(2, 1), qRgb(30, 30, 30));
-    EXPECT_EQ(bitmap.image.pixel(1, 0), qRgb(50, 50, 50));
-    EXPECT_EQ(bitmap.image.pixel(2, 0), qRgb(0, 0, 0));
-
-    BmpFileBuilder unpadded = padded;
-    unpadded.pixels = { 10, 10, 10, 20, 20, 20, 30, 30, 30, 40, 40, 40, 50, 50, 50, 60, 60, 60 };
-    bitmap = readBmp(unpadded.build());
-    ASSERT_EQ(bitmap.fault, BmpFault::None);
-    // A file without padding comes out shifted: the top row starts one pixel late.
-    EXPECT_EQ(bitmap.image.pixel(2, 1), qRgb(30, 30, 30));
-    EXPECT_EQ(bitmap.image.pixel(0, 0), qRgb(50, 50, 50));
-    EXPECT_EQ(bitmap.image.pixel(1, 0), qRgb(60, 60, 60));
-    EXPECT_EQ(bitmap.image.pixel(2, 0), qRgb(0, 0, 0));
-}
-
-TEST(BmpReader, FileShorterThanItsHeaderClaimsGivesBlackForTheMissingBytes)
-{
-    BmpFileBuilder builder;
-    builder.width = 4;
-    builder.height = 4;
-    builder.pixels = { 0, 0, 255 }; // one pixel of 16
-    BmpImage bitmap = readBmp(builder.build());
-    ASSERT_EQ(bitmap.fault, BmpFault::None);
-    EXPECT_EQ(bitmap.image.pixel(0, 3), qRgb(255, 0, 0));
-    EXPECT_EQ(bitmap.image.pixel(1, 3), qRgb(0, 0, 0));
-    EXPECT_EQ(bitmap.image.pixel(3, 0), qRgb(0, 0, 0));
-
-    // Cut inside the header: the missing fields read as zero, a width of 0 cannot be created.
-    std::vector<uint8_t> cut = builder.build();
-    cut.resize(20);
-    EXPECT_EQ(readBmp(cut).fault, BmpFault::CannotCreate);
+    const QRgb black = qRgb(0, 0, 0), red = qRgb(255, 0, 0), green = qRgb(0, 255, 0), blue = qRgb(0, 0, 255);
+    struct Case {
+        const char* name;
+        int32_t width, height;
+        uint16_t bits;
+        std::vector<uint32_t> palette;
+        std::vector<uint8_t> pixels;
+        std::vector<test::PixelAt> expected;
+    };
+    const Case cases[] = {
+        { "24 bits bottom-up", 4, 2, 24, {}, { 255, 0, 0, 0, 255, 0, 0, 0, 255, 255, 255, 255, 0, 0, 0, 128, 128, 128, 1, 2, 3, 4, 5, 6 },
+            { { 0, 1, blue }, { 1, 1, green }, { 2, 1, red }, { 1, 0, qRgb(128, 128, 128) }, { 3, 0, qRgb(6, 5, 4) } } },
+        // The copy count takes the low 16 bits of the height, far more than the file holds.
+        { "negative height is top-down", 4, -2, 24, {}, { 0, 0, 255, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0 },
+            { { 0, 0, red }, { 0, 1, black } } },
+        { "8 bits through the colour table", 4, 1, 8, { 0x000000, 0xFF0000, 0x00FF00, 0x0000FF }, { 3, 2, 1, 0 },
+            { { 0, 0, blue }, { 1, 0, green }, { 2, 0, red }, { 3, 0, black } } },
+        // Rows are copied without skipping padding: (bits x height x width) / 8 = 18 bytes go
+        // straight into rows of 12. A padded file keeps its rows but loses its last pixel...
+        { "padded odd width", 3, 2, 24, {}, { 10, 10, 10, 20, 20, 20, 30, 30, 30, 0, 0, 0, 40, 40, 40, 50, 50, 50, 60, 60, 60, 0, 0, 0 },
+            { { 2, 1, qRgb(30, 30, 30) }, { 1, 0, qRgb(50, 50, 50) }, { 2, 0, black } } },
+        // ... and an unpadded one starts its top row one pixel late.
+        { "unpadded odd width", 3, 2, 24, {}, { 10, 10, 10, 20, 20, 20, 30, 30, 30, 40, 40, 40, 50, 50, 50, 60, 60, 60 },
+            { { 2, 1, qRgb(30, 30, 30) }, { 0, 0, qRgb(50, 50, 50) }, { 1, 0, qRgb(60, 60, 60) }, { 2, 0, black } } },
+        { "shorter than its header claims", 4, 4, 24, {}, { 0, 0, 255 }, { { 0, 3, red }, { 1, 3, black }, { 3, 0, black } } },
+    };
+    for (const Case& c : cases) {
+        BmpFileBuilder builder { c.width, c.height, c.bits, 0, c.palette, c.pixels };
+        BmpImage bitmap = readBmp(builder.build());
+        ASSERT_EQ(bitmap.fault, BmpFault::None) << c.name;
+        EXPECT_EQ(bitmap.image.size(), QSize(c.width, std::abs(c.height))) << c.name;
+        test::expectPixels(bitmap.image, c.expected, c.name);
+    }
 }
 
 TEST(BmpReader, ReadsWhatTheWriterWrites)

@@ -15,20 +15,20 @@ namespace {
 
 constexpr char16_t kSongFilter[] = u"Pulsara song files\0*.kqu\0Pulsara song template files\0*.kqt\0";
 
-// Acts on the dialog as soon as it is shown, as a user would.
-void whenDialogOpens(std::function<void(QFileDialog&)> act)
+// Acts on the dialog as soon as it is shown, as a user would: picks `file` and accepts, or
+// cancels without one.
+void whenDialogOpens(const QString& file, std::function<void(QFileDialog&)> look = [](QFileDialog&) { })
 {
-    QTimer::singleShot(0, [act] {
+    test::testApplication();
+    QTimer::singleShot(0, [file, look] {
         auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
-        act(*dialog);
+        look(*dialog);
+        if (file.isEmpty())
+            return dialog->reject();
+        dialog->selectFile(file);
+        static_cast<QDialog*>(dialog)->accept();
     });
-}
-
-void touch(const QString& path)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
 }
 
 TEST(FileDialogs, ParsesTheDoubleZeroFilterList)
@@ -43,22 +43,18 @@ TEST(FileDialogs, ParsesTheDoubleZeroFilterList)
 
 TEST(FileDialogs, OpenStartsInThePathsFolderAndStoresTheChosenFilter)
 {
-    test::testApplication();
     QTemporaryDir folder;
-    touch(folder.filePath("a.kqu"));
-    touch(folder.filePath("b.kqt"));
+    QFile(folder.filePath("a.kqu")).open(QIODevice::WriteOnly);
+    QFile(folder.filePath("b.kqt")).open(QIODevice::WriteOnly);
     FilePath path(folder.filePath("a.kqu").toStdU16String());
     path.filter = kSongFilter;
     path.filterIndex = 1;
-
     QString seenFolder;
     QStringList seenFilters;
-    whenDialogOpens([&](QFileDialog& dialog) {
+    whenDialogOpens(folder.filePath("b.kqt"), [&](QFileDialog& dialog) {
         seenFolder = dialog.directory().absolutePath();
         seenFilters = dialog.nameFilters();
         dialog.selectNameFilter(seenFilters.value(1));
-        dialog.selectFile(folder.filePath("b.kqt"));
-        static_cast<QDialog&>(dialog).accept();
     });
     EXPECT_EQ(chooseOpenFile(path), 1);
     EXPECT_EQ(seenFolder, QDir(folder.path()).absolutePath());
@@ -69,49 +65,30 @@ TEST(FileDialogs, OpenStartsInThePathsFolderAndStoresTheChosenFilter)
 
 TEST(FileDialogs, CancelLeavesThePathAsItWas)
 {
-    test::testApplication();
     FilePath path(u"/nowhere/song.kqu");
     path.filter = kSongFilter;
     path.filterIndex = 2;
-    whenDialogOpens([](QFileDialog& dialog) { dialog.reject(); });
-    EXPECT_EQ(chooseOpenFile(path), 0);
-    EXPECT_EQ(path.view(), u"/nowhere/song.kqu");
-    EXPECT_EQ(path.filterIndex, 2u);
-
-    whenDialogOpens([](QFileDialog& dialog) { dialog.reject(); });
-    EXPECT_EQ(chooseSaveFile(path), 0);
-    whenDialogOpens([](QFileDialog& dialog) { dialog.reject(); });
-    EXPECT_EQ(chooseFolder(path), 0);
-    EXPECT_EQ(path.view(), u"/nowhere/song.kqu");
+    for (auto choose : { chooseOpenFile, chooseSaveFile, chooseFolder }) {
+        whenDialogOpens({});
+        EXPECT_EQ(choose(path), 0);
+        EXPECT_EQ(path.view(), u"/nowhere/song.kqu");
+        EXPECT_EQ(path.filterIndex, 2u);
+    }
 }
 
-TEST(FileDialogs, SaveTakesTheNameAsTypedWithoutAddingAnExtension)
+TEST(FileDialogs, SaveTakesTheNameAsTypedAndTheFolderDialogTheFolder)
 {
-    test::testApplication();
     QTemporaryDir folder;
     FilePath path(folder.filePath("old.kqu").toStdU16String());
     path.filter = kSongFilter;
-    whenDialogOpens([&](QFileDialog& dialog) {
-        dialog.selectFile(folder.filePath("newsong"));
-        static_cast<QDialog&>(dialog).accept();
-    });
+    whenDialogOpens(folder.filePath("newsong"));
     EXPECT_EQ(chooseSaveFile(path), 1);
-    EXPECT_EQ(path.view(), folder.filePath("newsong").toStdU16String());
+    EXPECT_EQ(path.view(), folder.filePath("newsong").toStdU16String()); // no extension added
     EXPECT_EQ(path.filterIndex, 1u);
-}
 
-TEST(FileDialogs, FolderDialogIsTitledOpenFolderAndReturnsTheFolder)
-{
-    test::testApplication();
-    QTemporaryDir folder;
     QDir(folder.path()).mkdir("samples");
-    FilePath path(folder.path().toStdU16String());
     QString title;
-    whenDialogOpens([&](QFileDialog& dialog) {
-        title = dialog.windowTitle();
-        dialog.selectFile(folder.filePath("samples"));
-        static_cast<QDialog&>(dialog).accept();
-    });
+    whenDialogOpens(folder.filePath("samples"), [&](QFileDialog& dialog) { title = dialog.windowTitle(); });
     EXPECT_EQ(chooseFolder(path), 1);
     EXPECT_EQ(title, "Open Folder");
     EXPECT_EQ(path.view(), folder.filePath("samples").toStdU16String());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QElapsedTimer>
 
 namespace pulsara::test {
 
@@ -17,6 +18,16 @@ inline QApplication& testApplication()
     // QApplication torn down after them crashes the test program at exit.
     static QApplication* application = new QApplication(argc, argv);
     return *application;
+}
+
+// Runs the event loop for the given time, or until `done` holds.
+template <typename Done = bool (*)()>
+void runEventLoopFor(int milliseconds, Done done = [] { return false; })
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < milliseconds && !done())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
 }
 
 } // namespace pulsara::test

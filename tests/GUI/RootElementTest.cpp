@@ -4,7 +4,6 @@
 #include "QtTestApplication.h"
 #include "RecordingElement.h"
 
-#include <QElapsedTimer>
 #include <gtest/gtest.h>
 
 namespace pulsara {
@@ -34,41 +33,30 @@ public:
 struct CreatedRoot {
     FakeWindow window;
     RootElement root;
-    CreatedRoot()
+    explicit CreatedRoot(bool menuBarWorks = true)
     {
         test::testApplication();
+        window.menuBarWorks = menuBarWorks;
         root.handleMessage(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(&window)));
         root.handleMessage(kMessageSize, 0, 0);
     }
-    void paintAll()
+    void paint(const QRegion& region)
     {
-        window.paintRegion = QRegion(root.rect()->toQRect());
+        window.paintRegion = region;
         root.handleMessage(kMessagePaint, 0, 0);
     }
+    void paintAll() { paint(QRegion(root.rect()->toQRect())); }
+    QRgb pixel(int x, int y) const { return root.backBuffer().image().pixel(x, y); }
 };
 
-TEST(RootElement, CreateRemembersTheWindowAndBuildsTheMenuBar)
+TEST(RootElement, CreateRemembersTheWindowBuildsTheMenuBarAndSizesBelowIt)
 {
     CreatedRoot created;
     EXPECT_EQ(created.root.windowHandle(), &created.window);
     EXPECT_EQ(RootElement::mainWindow(), &created.window);
     EXPECT_EQ(created.window.calls, (Log { "foreground", "createMenuBar" }));
-    EXPECT_EQ(created.root.window(), &created.root);
-}
-
-TEST(RootElement, AFailedMenuBarShowsItsMessage)
-{
-    FakeWindow window;
-    window.menuBarWorks = false;
-    RootElement root;
-    root.handleMessage(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(&window)));
-    EXPECT_EQ(window.calls.back(), "message SHCreateMenuBar Failed / error");
-}
-
-TEST(RootElement, SizeLaysOutTheClientAreaLessTheMenuBarsRoom)
-{
-    CreatedRoot created;
     EXPECT_EQ(*created.root.rect(), (ElemRect { 0, 0, 200, 100 }));
+    EXPECT_EQ(CreatedRoot(false).window.calls.back(), "message SHCreateMenuBar Failed / error");
 }
 
 TEST(RootElement, ButtonsCaptureTheStylusAndAnUpWithoutCaptureIsIgnored)
@@ -77,10 +65,8 @@ TEST(RootElement, ButtonsCaptureTheStylusAndAnUpWithoutCaptureIsIgnored)
     Log log;
     RecordingElement child("child", log, { 0, 0, 50, 50 });
     created.root.addChild(&child);
-
     EXPECT_EQ(created.root.handleMessage(kMessageLeftButtonUp, 0, packPosition(5, 5)), 1);
     EXPECT_TRUE(log.empty());
-
     created.root.handleMessage(kMessageRightButtonDown, 0, packPosition(5, 6));
     EXPECT_TRUE(created.window.capture);
     created.root.handleMessage(kMessageMouseMove, 0, packPosition(300, 300));
@@ -88,90 +74,57 @@ TEST(RootElement, ButtonsCaptureTheStylusAndAnUpWithoutCaptureIsIgnored)
     EXPECT_FALSE(created.window.capture);
     created.root.handleMessage(kMessageLeftButtonDown, 0, packPosition(1, 2));
     EXPECT_EQ(log, (Log { "child.down1@5,6", "child.move", "child.up1", "child.down0@1,2" }));
-}
-
-TEST(RootElement, PositionWordsAreTakenUnsigned)
-{
+    // Position words are taken unsigned.
     EXPECT_EQ(positionX(packPosition(-1, 3)), 0xFFFF);
     EXPECT_EQ(positionY(packPosition(3, 40000)), 40000);
 }
 
-TEST(RootElement, EscapeQuitsOtherKeysDoNothing)
+TEST(RootElement, EscapeQuitsCloseDestroysTheWindowAndDestroyRemovesTheMenuBar)
 {
     CreatedRoot created;
     created.window.calls.clear();
     EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, 'A', 0), 0);
     EXPECT_TRUE(created.window.calls.empty());
     EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, kKeyEscape, 0), 0);
-    EXPECT_EQ(created.window.calls, (Log { "quit" }));
-}
-
-TEST(RootElement, DestroyRemovesTheMenuBarAndQuitsCloseDestroysTheWindow)
-{
-    CreatedRoot created;
-    created.window.calls.clear();
     created.root.handleMessage(kMessageClose, 0, 0);
     created.root.handleMessage(kMessageDestroy, 0, 0);
-    EXPECT_EQ(created.window.calls, (Log { "destroyWindow", "destroyMenuBar", "quit" }));
+    EXPECT_EQ(created.window.calls, (Log { "quit", "destroyWindow", "destroyMenuBar", "quit" }));
     EXPECT_EQ(created.root.handleMessage(kMessageEraseBackground, 0, 0), 0);
 }
 
-TEST(RootElement, PaintDrawsIntoABackBufferOfTheRootsSize)
+TEST(RootElement, PaintDrawsOnlyTheUpdateRegionIntoABackBufferOfTheRootsSize)
 {
     CreatedRoot created;
-    SolidElement red(qRgb(255, 0, 0), { 10, 10, 20, 20 });
+    SolidElement red(qRgb(255, 0, 0), { 0, 0, 40, 40 });
     created.root.addChild(&red);
+    created.paint(QRegion());
+    EXPECT_EQ(red.draws, 0);
     created.paintAll();
-    const QImage& buffer = created.root.backBuffer().image();
-    ASSERT_EQ(buffer.size(), QSize(200, 100));
-    EXPECT_EQ(buffer.pixel(15, 15), qRgb(255, 0, 0));
-    EXPECT_EQ(red.draws, 1);
+    ASSERT_EQ(created.root.backBuffer().image().size(), QSize(200, 100));
+    EXPECT_EQ(created.pixel(15, 15), qRgb(255, 0, 0));
+    red.colour_ = qRgb(0, 0, 255);
+    created.paint(QRegion(0, 0, 10, 10));
+    EXPECT_EQ(created.pixel(5, 5), qRgb(0, 0, 255));
+    EXPECT_EQ(created.pixel(20, 20), qRgb(255, 0, 0));
 
     // A resize recreates the buffer and paints all of it, whatever the update region.
     created.window.client = { 0, 0, 120, 90 };
     created.root.handleMessage(kMessageSize, 0, 0);
-    created.window.paintRegion = QRegion(0, 0, 1, 1);
-    created.root.handleMessage(kMessagePaint, 0, 0);
+    created.paint(QRegion(0, 0, 1, 1));
     EXPECT_EQ(created.root.backBuffer().image().size(), QSize(120, 64));
-    EXPECT_EQ(created.root.backBuffer().image().pixel(29, 29), qRgb(255, 0, 0));
-}
-
-TEST(RootElement, PaintWithoutAnUpdateRegionPaintsNothing)
-{
-    CreatedRoot created;
-    SolidElement red(qRgb(255, 0, 0), { 10, 10, 20, 20 });
-    created.root.addChild(&red);
-    created.window.paintRegion = QRegion();
-    created.root.handleMessage(kMessagePaint, 0, 0);
-    EXPECT_EQ(red.draws, 0);
-}
-
-TEST(RootElement, PaintIsClippedToTheUpdateRegion)
-{
-    CreatedRoot created;
-    SolidElement red(qRgb(255, 0, 0), { 0, 0, 200, 100 });
-    created.root.addChild(&red);
-    created.paintAll();
-    red.colour_ = qRgb(0, 0, 255);
-    created.window.paintRegion = QRegion(0, 0, 10, 10);
-    created.root.handleMessage(kMessagePaint, 0, 0);
-    EXPECT_EQ(created.root.backBuffer().image().pixel(5, 5), qRgb(0, 0, 255));
-    EXPECT_EQ(created.root.backBuffer().image().pixel(50, 50), qRgb(255, 0, 0));
+    EXPECT_EQ(created.pixel(39, 39), qRgb(0, 0, 255));
 }
 
 TEST(RootElement, ExcludeNarrowsAndAddWidensTheClip)
 {
     CreatedRoot created;
     created.paintAll();
-    QImage image(100, 100, QImage::Format_RGB32);
-    QPainter dc(&image);
+    QImage image(100, 100, QImage::Format_RGB32), other(100, 100, QImage::Format_RGB32);
+    QPainter dc(&image), unclipped(&other);
     created.root.excludeClip(&dc, { 0, 0, 50, 100 });
     EXPECT_EQ(dc.clipRegion(), QRegion(50, 0, 50, 100));
     created.root.addClip(&dc, { 0, 0, 10, 10 });
     EXPECT_EQ(dc.clipRegion(), QRegion(50, 0, 50, 100).united(QRegion(0, 0, 10, 10)));
-
-    QImage other(100, 100, QImage::Format_RGB32);
-    QPainter unclipped(&other);
     created.root.addClip(&unclipped, { 5, 5, 10, 10 });
     EXPECT_EQ(unclipped.clipRegion(), QRegion(5, 5, 10, 10));
 }
@@ -184,51 +137,37 @@ TEST(RootElement, InvalidationReachesTheWindowFromDeepInTheTree)
     created.root.addChild(&panel);
     panel.addChild(&leaf);
     leaf.redraw();
-    ASSERT_EQ(created.window.invalidated.size(), 1u);
-    EXPECT_EQ(created.window.invalidated[0], (ElemRect { 4, 5, 6, 7 }));
+    EXPECT_EQ(created.window.invalidated, (std::vector<ElemRect> { { 4, 5, 6, 7 } }));
     EXPECT_EQ(leaf.window(), &created.root);
 }
 
-TEST(RootElement, TimerRepaintDrawsOnlyChangedElementsAndShowsTheirRectangles)
+TEST(RootElement, TimerRepaintAndRepaintNowDrawOnlyChangedVisibleElementsAndShowThem)
 {
     CreatedRoot created;
-    SolidElement still(qRgb(0, 255, 0), { 0, 0, 50, 50 });
-    SolidElement changing(qRgb(255, 0, 0), { 60, 0, 20, 20 });
+    SolidElement still(qRgb(0, 255, 0), { 0, 0, 50, 50 }), changing(qRgb(255, 0, 0), { 60, 0, 20, 20 });
     created.root.addChild(&still);
     created.root.addChild(&changing);
     created.paintAll();
     EXPECT_TRUE(created.root.repaintTimer().isRunning());
-
     changing.colour_ = qRgb(0, 0, 255);
     changing.markDirty();
     created.window.presented = QRegion();
-    QElapsedTimer clock;
-    clock.start();
-    while (changing.isDirty() && clock.elapsed() < 1000)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    test::runEventLoopFor(1000, [&] { return !changing.isDirty(); });
     EXPECT_FALSE(changing.isDirty());
     EXPECT_EQ(still.draws, 1);
     EXPECT_EQ(changing.draws, 2);
     EXPECT_EQ(created.window.presented, QRegion(60, 0, 20, 20));
-    EXPECT_EQ(created.root.backBuffer().image().pixel(65, 5), qRgb(0, 0, 255));
-}
+    EXPECT_EQ(created.pixel(65, 5), qRgb(0, 0, 255));
 
-TEST(RootElement, RepaintNowDrawsAVisibleElementAtOnce)
-{
-    CreatedRoot created;
-    SolidElement meter(qRgb(255, 0, 0), { 0, 0, 10, 10 });
-    created.root.addChild(&meter);
-    created.paintAll();
     created.window.presented = QRegion();
-    meter.colour_ = qRgb(0, 255, 0);
-    meter.repaintNow(0);
-    EXPECT_EQ(created.root.backBuffer().image().pixel(5, 5), qRgb(0, 255, 0));
-    EXPECT_EQ(created.window.presented, QRegion(0, 0, 10, 10));
-
-    meter.setVisible(false);
-    meter.colour_ = qRgb(0, 0, 255);
-    meter.repaintNow(0);
-    EXPECT_EQ(created.root.backBuffer().image().pixel(5, 5), qRgb(0, 255, 0));
+    still.colour_ = qRgb(0, 0, 255);
+    still.repaintNow(0);
+    EXPECT_EQ(created.pixel(5, 5), qRgb(0, 0, 255));
+    EXPECT_EQ(created.window.presented, QRegion(0, 0, 50, 50));
+    still.setVisible(false);
+    still.colour_ = qRgb(255, 0, 0);
+    still.repaintNow(0);
+    EXPECT_EQ(created.pixel(5, 5), qRgb(0, 0, 255));
 }
 
 } // namespace

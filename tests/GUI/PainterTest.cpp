@@ -39,21 +39,16 @@ struct Canvas {
 
 TEST(TextPainter, ChoosesItsAlignmentByModeAndOverlongText)
 {
-    struct Case {
-        int32_t mode;
-        int textWidth, boxWidth;
-        Qt::Alignment expected;
+    const std::tuple<int32_t, int, Qt::Alignment> cases[] = {
+        { TextPainter::kAuto, 50, Qt::AlignHCenter },
+        { TextPainter::kAuto, 51, Qt::AlignRight },
+        { TextPainter::kRight, 10, Qt::AlignRight },
+        { TextPainter::kLeft, 60, Qt::AlignLeft },
+        { 3, 60, Qt::AlignHCenter },
+        { 99, 10, Qt::AlignHCenter },
     };
-    const Case cases[] = {
-        { TextPainter::kAuto, 50, 50, Qt::AlignHCenter },
-        { TextPainter::kAuto, 51, 50, Qt::AlignRight },
-        { TextPainter::kRight, 10, 50, Qt::AlignRight },
-        { TextPainter::kLeft, 60, 50, Qt::AlignLeft },
-        { 3, 60, 50, Qt::AlignHCenter },
-        { 99, 10, 50, Qt::AlignHCenter },
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(TextPainter::horizontalAlignment(c.mode, c.textWidth, c.boxWidth), c.expected) << c.mode << " " << c.textWidth;
+    for (const auto& [mode, textWidth, expected] : cases) // in a box 50 wide
+        EXPECT_EQ(TextPainter::horizontalAlignment(mode, textWidth, 50), expected) << mode << " " << textWidth;
 }
 
 TEST(TextPainter, DrawsInTheBoxAsAlignedAndNothingWithoutText)

@@ -129,18 +129,6 @@ TEST(RootElement, ExcludeNarrowsAndAddWidensTheClip)
     EXPECT_EQ(unclipped.clipRegion(), QRegion(5, 5, 10, 10));
 }
 
-TEST(RootElement, InvalidationReachesTheWindowFromDeepInTheTree)
-{
-    CreatedRoot created;
-    ElementContainer panel;
-    SolidElement leaf(qRgb(1, 2, 3), { 4, 5, 6, 7 });
-    created.root.addChild(&panel);
-    panel.addChild(&leaf);
-    leaf.redraw();
-    EXPECT_EQ(created.window.invalidated, (std::vector<ElemRect> { { 4, 5, 6, 7 } }));
-    EXPECT_EQ(leaf.window(), &created.root);
-}
-
 TEST(RootElement, TimerRepaintAndRepaintNowDrawOnlyChangedVisibleElementsAndShowThem)
 {
     CreatedRoot created;

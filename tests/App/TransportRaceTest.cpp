@@ -17,16 +17,11 @@ using namespace pulsara::testing;
 
 namespace {
 
-constexpr auto kRunTime = std::chrono::seconds(3);
-constexpr uint32_t kCallbackFrames = 256;
-
-class PeakCounter final : public MeterListener {
-public:
+struct PeakCounter final : MeterListener {
     void onPeaks(float left, float right) override
     {
         fills.fetch_add(1, std::memory_order_relaxed);
-        if (left != 0.0f || right != 0.0f)
-            soundingFills.fetch_add(1, std::memory_order_relaxed);
+        soundingFills.fetch_add(left != 0.0f || right != 0.0f ? 1 : 0, std::memory_order_relaxed);
     }
     void onCpuLoad(float) override { }
     std::atomic<uint32_t> fills { 0 };
@@ -56,12 +51,12 @@ TEST(TransportRace, GuiEditsWhileTheDeviceThreadRenders)
     std::atomic<bool> running { true };
     std::thread callback([&] {
         while (running) {
-            device.pull(kCallbackFrames, 2);
+            device.pull(256, 2);
             std::this_thread::sleep_for(std::chrono::microseconds(500));
         }
     });
 
-    auto end = std::chrono::steady_clock::now() + kRunTime;
+    auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
     for (uint32_t round = 0; std::chrono::steady_clock::now() < end; ++round) {
         StepGrid& pattern = song.player().pattern(round % 2);
         pattern.setCell(round % 8, round % 16, { 0.5f + 0.01f * static_cast<float>(round % 50), 1.0f + 0.1f * static_cast<float>(round % 5), 0 });

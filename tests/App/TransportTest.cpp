@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <thread>
 
 using namespace pulsara;
 using namespace pulsara::testing;
@@ -22,104 +20,61 @@ struct MeterLog : MeterListener {
 };
 
 struct TransportRig {
-    TransportRig()
-    {
-        transport.open(100);
-    }
+    TransportRig() { transport.open(100); }
     Song song { AudioFormat { 22050, 32, 2 } };
     FakeWaveDevice device;
     Transport transport { device, song };
 };
 
-// Plays queued buffers on another thread until the device closes, as the real device would
-// while the GUI thread waits in a graceful stop.
-class DevicePlayer {
-public:
-    explicit DevicePlayer(FakeWaveDevice& device)
-        : thread_([&device, this] {
-            while (!done_) {
-                device.playOne();
-                std::this_thread::sleep_for(std::chrono::milliseconds(2));
-            }
-        })
-    {
-    }
-    ~DevicePlayer()
-    {
-        done_ = true;
-        thread_.join();
-    }
-
-private:
-    std::atomic<bool> done_ { false };
-    std::thread thread_;
-};
-
-constexpr uint32_t kKeyUp = 257;
-using Calls = std::vector<std::string>;
+bool anyReset(const FakeWaveDevice& device)
+{
+    std::vector<std::string> calls = device.calls();
+    return std::count(calls.begin(), calls.end(), "reset") > 0;
+}
 
 } // namespace
 
-TEST(Transport, OpenHandsTheSongsFormatAndPlayerToTheStream)
+TEST(Transport, PlayStartsTheSongInItsFormatOrLeavesItStoppedWithoutADevice)
 {
     TransportRig rig;
     EXPECT_EQ(rig.transport.format(), &rig.song.format());
     EXPECT_EQ(rig.transport.source(), &rig.song.player());
-    EXPECT_EQ(rig.transport.latency(), 100);
     EXPECT_FALSE(rig.transport.isRunning());
-}
-
-TEST(Transport, PlayStartsTheSongAndTheStream)
-{
-    TransportRig rig;
     ASSERT_EQ(rig.transport.play(), 1);
     EXPECT_TRUE(rig.transport.isRunning());
     EXPECT_TRUE(rig.transport.isPlaying());
     EXPECT_EQ(rig.device.openedFormat().samplesPerSecond, 22050u);
     EXPECT_EQ(rig.device.openedFormat().channels, 2);
     EXPECT_EQ(rig.device.queued(), 2u);
+
+    TransportRig failing;
+    failing.device.openResult = WaveResult::NoDevice;
+    EXPECT_EQ(failing.transport.play(), 0);
+    EXPECT_FALSE(failing.transport.isPlaying());
+    EXPECT_FALSE(failing.transport.isRunning());
 }
 
-TEST(Transport, PlayWithoutADeviceLeavesTheSongStopped)
+TEST(Transport, StopLetsQueuedSoundFinishAndReleasesOnlyASharedDevice)
 {
-    TransportRig rig;
-    rig.device.openResult = WaveResult::NoDevice;
-    EXPECT_EQ(rig.transport.play(), 0);
-    EXPECT_FALSE(rig.transport.isPlaying());
-    EXPECT_FALSE(rig.transport.isRunning());
-}
-
-TEST(Transport, StopLetsQueuedSoundFinishAndReleasesASharedDevice)
-{
-    TransportRig rig;
-    rig.transport.setDocumentFlags(Transport::kReleaseDeviceFlag);
-    ASSERT_EQ(rig.transport.play(), 1);
-    {
-        DevicePlayer player(rig.device);
-        rig.transport.stopPlaying();
+    for (bool shared : { true, false }) {
+        SCOPED_TRACE(shared ? "shared" : "not shared");
+        TransportRig rig;
+        rig.transport.setDocumentFlags(shared ? Transport::kReleaseDeviceFlag : 0);
+        ASSERT_EQ(rig.transport.play(), 1);
+        {
+            DevicePlayer player(rig.device);
+            rig.transport.stopPlaying();
+        }
+        EXPECT_FALSE(rig.transport.isPlaying());
+        EXPECT_EQ(rig.transport.isRunning(), !shared);
+        EXPECT_EQ(rig.device.isOpen(), !shared);
+        EXPECT_FALSE(anyReset(rig.device));
     }
-    EXPECT_FALSE(rig.transport.isPlaying());
-    EXPECT_FALSE(rig.transport.isRunning());
-    EXPECT_FALSE(rig.device.isOpen());
-    Calls calls = rig.device.calls();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), "reset"), 0);
-}
-
-TEST(Transport, StopKeepsTheStreamRunningWhenTheDeviceIsNotShared)
-{
-    TransportRig rig;
-    rig.transport.setDocumentFlags(0);
-    ASSERT_EQ(rig.transport.play(), 1);
-    rig.transport.stopPlaying();
-    EXPECT_FALSE(rig.transport.isPlaying());
-    EXPECT_TRUE(rig.transport.isRunning());
-    EXPECT_TRUE(rig.device.isOpen());
 }
 
 TEST(Transport, LiveModeKeepsASharedDeviceOpenAfterStop)
 {
     TransportRig rig;
-    rig.transport.setDocumentFlags(Transport::kReleaseDeviceFlag);
     rig.transport.setLiveMode(true);
     EXPECT_TRUE(rig.transport.isRunning());
     ASSERT_EQ(rig.transport.play(), 1);
@@ -141,31 +96,22 @@ TEST(Transport, CloseStopsAtOnce)
     rig.transport.close();
     EXPECT_FALSE(rig.transport.isPlaying());
     EXPECT_EQ(rig.transport.state(), StreamState::Closed);
-    Calls calls = rig.device.calls();
-    ASSERT_FALSE(calls.empty());
-    EXPECT_EQ(calls.front(), "pause");
+    ASSERT_FALSE(rig.device.calls().empty());
+    EXPECT_EQ(rig.device.calls().front(), "pause");
 }
 
-TEST(Transport, LiveTriggerStartsAStoppedStreamWithoutTheSong)
+TEST(Transport, LiveTriggerStartsAStoppedStreamAndSoundsFromTheNextFill)
 {
     TransportRig rig;
     ASSERT_EQ(rig.transport.triggerLive(3), 1);
     EXPECT_TRUE(rig.transport.isRunning());
     EXPECT_FALSE(rig.transport.isPlaying());
     EXPECT_EQ(rig.song.player().soloTrack(), 3);
-}
 
-TEST(Transport, LiveTriggerSoundsFromTheNextFill)
-{
-    TransportRig rig;
     rig.song.instrument(5).sample().setFrames(std::vector<float>(2 * 100, 0.5f), 2);
-    rig.transport.setDocumentFlags(0);
-    ASSERT_EQ(rig.transport.play(), 1);
-    rig.transport.stopPlaying();
     ASSERT_TRUE(rig.device.playOne());
     std::vector<int16_t> before = rig.device.lastPlayed();
     EXPECT_TRUE(std::all_of(before.begin(), before.end(), [](int16_t s) { return s == 0; }));
-
     ASSERT_EQ(rig.transport.triggerLive(5), 1);
     // Both queued buffers were rendered before the trigger; the first refill after it sounds.
     ASSERT_TRUE(rig.device.playOne());
@@ -191,6 +137,7 @@ TEST(Transport, LiveKeysMapToTracksInRowOrder)
 
 TEST(Transport, FilterConsumesLiveKeysOnlyInLiveMode)
 {
+    constexpr uint32_t kKeyUp = 257;
     TransportRig rig;
     EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 'W', 0), 0);
     EXPECT_EQ(rig.song.player().soloTrack(), -1);
@@ -210,7 +157,6 @@ TEST(Transport, PassesTheMetersToItsListener)
     MeterLog meters;
     rig.transport.setMeterListener(&meters);
     ASSERT_EQ(rig.transport.play(), 1);
-    EXPECT_EQ(meters.peaks.size(), 2u);
     EXPECT_EQ(meters.loads.size(), 2u);
     rig.device.playOne();
     EXPECT_EQ(meters.peaks.size(), 3u);

@@ -2,10 +2,14 @@
 
 #include "Sound/WaveDevice.h"
 
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace pulsara::testing {
@@ -14,6 +18,13 @@ namespace pulsara::testing {
 // each time the test calls playOne(), reporting it done synchronously on the caller's thread.
 // Any thread may call playOne(); notifications are sent without the fake's own lock held.
 class FakeWaveDevice : public WaveDevice {
+    template <typename Read>
+    auto locked(Read read) const
+    {
+        std::lock_guard lock(mutex_);
+        return read();
+    }
+
 public:
     // What the next calls answer; Ok means "behave like a device".
     WaveResult openResult = WaveResult::Ok;
@@ -38,20 +49,14 @@ public:
         return WaveResult::Ok;
     }
 
-    bool isOpen() const override
-    {
-        std::lock_guard lock(mutex_);
-        return open_;
-    }
+    bool isOpen() const override { return locked([&] { return open_; }); }
 
     WaveResult prepare(WaveHeader& header) override
     {
         std::lock_guard lock(mutex_);
         calls_.push_back("prepare");
-        if (!open_)
-            return WaveResult::NotOpen;
-        if (prepareResult != WaveResult::Ok)
-            return prepareResult;
+        if (!open_ || prepareResult != WaveResult::Ok)
+            return open_ ? prepareResult : WaveResult::NotOpen;
         if (!header.data || header.bufferLength == 0)
             return WaveResult::InvalidBuffer;
         header.flags |= WaveHeader::kPrepared;
@@ -62,10 +67,8 @@ public:
     {
         std::lock_guard lock(mutex_);
         calls_.push_back("unprepare");
-        if (!open_)
-            return WaveResult::NotOpen;
-        if (header.has(WaveHeader::kInQueue))
-            return WaveResult::StillPlaying;
+        if (!open_ || header.has(WaveHeader::kInQueue))
+            return open_ ? WaveResult::StillPlaying : WaveResult::NotOpen;
         header.flags &= ~WaveHeader::kPrepared;
         return WaveResult::Ok;
     }
@@ -74,16 +77,20 @@ public:
     {
         std::lock_guard lock(mutex_);
         calls_.push_back("write");
-        if (!open_)
-            return WaveResult::NotOpen;
-        if (!header.has(WaveHeader::kPrepared))
-            return WaveResult::Unprepared;
+        if (!open_ || !header.has(WaveHeader::kPrepared))
+            return open_ ? WaveResult::Unprepared : WaveResult::NotOpen;
         header.flags = (header.flags & ~WaveHeader::kDone) | WaveHeader::kInQueue;
         queue_.push_back(&header);
         return WaveResult::Ok;
     }
 
-    WaveResult pause() override { return record("pause"); }
+    WaveResult pause() override
+    {
+        return locked([&] {
+            calls_.push_back("pause");
+            return open_ ? WaveResult::Ok : WaveResult::NotOpen;
+        });
+    }
 
     WaveResult reset() override
     {
@@ -106,12 +113,8 @@ public:
         {
             std::lock_guard lock(mutex_);
             calls_.push_back("close");
-            if (!open_)
-                return WaveResult::NotOpen;
-            if (closeResult != WaveResult::Ok)
-                return closeResult;
-            if (!queue_.empty())
-                return WaveResult::StillPlaying;
+            if (!open_ || closeResult != WaveResult::Ok || !queue_.empty())
+                return !open_ ? WaveResult::NotOpen : closeResult != WaveResult::Ok ? closeResult : WaveResult::StillPlaying;
             open_ = false;
         }
         notify(WaveMessage::Close, nullptr);
@@ -121,25 +124,13 @@ public:
     WaveResult position(uint32_t& frames) const override
     {
         std::lock_guard lock(mutex_);
-        if (positionResult != WaveResult::Ok)
-            return positionResult;
-        frames = framesPlayed_;
-        return WaveResult::Ok;
+        if (positionResult == WaveResult::Ok)
+            frames = framesPlayed_;
+        return positionResult;
     }
 
-    WaveResult setVolume(uint32_t volume) override
-    {
-        std::lock_guard lock(mutex_);
-        volume_ = volume;
-        return WaveResult::Ok;
-    }
-
-    WaveResult volume(uint32_t& volume) const override
-    {
-        std::lock_guard lock(mutex_);
-        volume = volume_;
-        return WaveResult::Ok;
-    }
+    WaveResult setVolume(uint32_t volume) override { return locked([&] { volume_ = volume; return WaveResult::Ok; }); }
+    WaveResult volume(uint32_t& volume) const override { return locked([&] { volume = volume_; return WaveResult::Ok; }); }
 
     // Plays the oldest queued buffer: keeps a copy of its samples and reports it done. False
     // when nothing is queued.
@@ -160,55 +151,16 @@ public:
         return true;
     }
 
-    std::vector<std::string> calls() const
-    {
-        std::lock_guard lock(mutex_);
-        return calls_;
-    }
-    void clearCalls()
-    {
-        std::lock_guard lock(mutex_);
-        calls_.clear();
-    }
-    size_t queued() const
-    {
-        std::lock_guard lock(mutex_);
-        return queue_.size();
-    }
-    WaveHeader* queuedHeader(size_t index) const
-    {
-        std::lock_guard lock(mutex_);
-        return index < queue_.size() ? queue_[index] : nullptr;
-    }
-    std::vector<int16_t> lastPlayed() const
-    {
-        std::lock_guard lock(mutex_);
-        return lastPlayed_;
-    }
-    WaveFormat openedFormat() const
-    {
-        std::lock_guard lock(mutex_);
-        return format_;
-    }
-    WaveDeviceListener* listener() const
-    {
-        std::lock_guard lock(mutex_);
-        return listener_;
-    }
-    int opens() const
-    {
-        std::lock_guard lock(mutex_);
-        return opens_;
-    }
+    std::vector<std::string> calls() const { return locked([&] { return calls_; }); }
+    void clearCalls() { locked([&] { calls_.clear(); }); }
+    size_t queued() const { return locked([&] { return queue_.size(); }); }
+    WaveHeader* queuedHeader(size_t index) const { return locked([&] { return index < queue_.size() ? queue_[index] : nullptr; }); }
+    std::vector<int16_t> lastPlayed() const { return locked([&] { return lastPlayed_; }); }
+    WaveFormat openedFormat() const { return locked([&] { return format_; }); }
+    WaveDeviceListener* listener() const { return locked([&] { return listener_; }); }
+    int opens() const { return locked([&] { return opens_; }); }
 
 private:
-    WaveResult record(const char* call)
-    {
-        std::lock_guard lock(mutex_);
-        calls_.push_back(call);
-        return open_ ? WaveResult::Ok : WaveResult::NotOpen;
-    }
-
     void finish(WaveHeader* header)
     {
         header->flags = (header->flags & ~WaveHeader::kInQueue) | WaveHeader::kDone;
@@ -217,13 +169,8 @@ private:
 
     void notify(WaveMessage message, WaveHeader* header)
     {
-        WaveDeviceListener* listener = nullptr;
-        {
-            std::lock_guard lock(mutex_);
-            listener = listener_;
-        }
-        if (listener)
-            listener->onWaveMessage(message, header);
+        if (WaveDeviceListener* target = listener())
+            target->onWaveMessage(message, header);
     }
 
     mutable std::mutex mutex_;
@@ -236,6 +183,30 @@ private:
     std::vector<int16_t> lastPlayed_;
     uint32_t framesPlayed_ = 0;
     uint32_t volume_ = 0xFFFFFFFF;
+};
+
+// Plays the fake's queued buffers on another thread until destroyed, as a real device would
+// while the owner waits in a graceful stop. Playing starts once `ready` says so.
+class DevicePlayer {
+public:
+    explicit DevicePlayer(FakeWaveDevice& device, std::function<bool()> ready = [] { return true; })
+        : thread_([&device, ready, this] {
+            for (; !done_; std::this_thread::sleep_for(std::chrono::milliseconds(2))) {
+                if (ready())
+                    device.playOne();
+            }
+        })
+    {
+    }
+    ~DevicePlayer()
+    {
+        done_ = true;
+        thread_.join();
+    }
+
+private:
+    std::atomic<bool> done_ { false };
+    std::thread thread_;
 };
 
 } // namespace pulsara::testing

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -56,23 +57,23 @@ fs::path writeShortSong(const fs::path& folder)
     return path;
 }
 
-std::vector<int16_t> readSamples(const fs::path& path, size_t skipBytes)
+std::string readFile(const fs::path& path)
 {
     std::ifstream file(path, std::ios::binary);
-    std::vector<char> bytes { std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>() };
+    return { std::istreambuf_iterator<char>(file), {} };
+}
+
+std::vector<int16_t> readSamples(const fs::path& path, size_t skipBytes)
+{
+    std::string bytes = readFile(path);
     std::vector<int16_t> samples(bytes.size() > skipBytes ? (bytes.size() - skipBytes) / 2 : 0);
-    if (!samples.empty())
-        std::memcpy(samples.data(), bytes.data() + skipBytes, samples.size() * 2);
+    std::memcpy(samples.data(), bytes.data() + skipBytes, samples.size() * 2);
     return samples;
 }
 
 size_t firstSound(const std::vector<int16_t>& samples)
 {
-    for (size_t i = 0; i < samples.size(); ++i) {
-        if (std::abs(samples[i]) > 300)
-            return i;
-    }
-    return samples.size();
+    return static_cast<size_t>(std::find_if(samples.begin(), samples.end(), [](int16_t s) { return std::abs(s) > 300; }) - samples.begin());
 }
 
 // Normalised cross-correlation of `reference` with `recorded` shifted by `lag`.
@@ -104,29 +105,39 @@ int run(const std::string& command)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+class Playback : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        folder = fs::temp_directory_path() / ("pulsara-" + name + "-" + std::to_string(getpid()));
+        fs::create_directories(folder);
+        song = writeShortSong(folder);
+    }
+    void TearDown() override
+    {
+        if (!std::getenv("PULSARA_KEEP_PLAYBACK"))
+            fs::remove_all(folder);
+    }
+    fs::path folder;
+    fs::path song;
+};
+
 } // namespace
 
-TEST(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
+TEST_F(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
 {
-    fs::path folder = fs::temp_directory_path() / ("pulsara-playback-" + std::to_string(getpid()));
-    fs::create_directories(folder);
-    fs::path song = writeShortSong(folder);
     fs::path exported = folder / "export.wav";
     fs::path recorded = folder / "recorded.raw";
-
     ASSERT_EQ(run(std::string(PULSARA_BINARY) + " --export '" + exported.string() + "' '" + song.string() + "'"), 0);
     int status = run(std::string("bash '") + PULSARA_SOURCE_DIR + "/tests/cli/with_null_sink.sh' --record '" + recorded.string()
         + "' -- " + PULSARA_BINARY + " --play '" + song.string() + "' --rate 44100 --mono --latency 100 </dev/null");
-    if (status == kNoServer) {
-        fs::remove_all(folder);
+    if (status == kNoServer)
         GTEST_SKIP() << "no PulseAudio server can be started here";
-    }
     ASSERT_EQ(status, 0);
 
     std::vector<int16_t> reference = readSamples(exported, kWavHeaderBytes);
     std::vector<int16_t> output = readSamples(recorded, 0);
-    if (!std::getenv("PULSARA_KEEP_PLAYBACK"))
-        fs::remove_all(folder);
     ASSERT_GT(reference.size(), 44100u * 3);
     size_t referenceStart = firstSound(reference);
     size_t outputStart = firstSound(output);
@@ -152,17 +163,11 @@ TEST(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
     EXPECT_NEAR(level, 0.0, 3.0);
 }
 
-TEST(Playback, SaysSoInOneLineWhenNoDeviceCanBeOpened)
+TEST_F(Playback, SaysSoInOneLineWhenNoDeviceCanBeOpened)
 {
-    fs::path folder = fs::temp_directory_path() / ("pulsara-nodevice-" + std::to_string(getpid()));
-    fs::create_directories(folder);
-    fs::path song = writeShortSong(folder);
     fs::path errors = folder / "stderr.txt";
     int status = run("PULSARA_AUDIO_BACKEND=pulse PULSE_SERVER=unix:/nonexistent/pulsara-socket " + std::string(PULSARA_BINARY)
         + " --play '" + song.string() + "' </dev/null 2>'" + errors.string() + "'");
-    std::ifstream file(errors);
-    std::string text { std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>() };
-    fs::remove_all(folder);
     EXPECT_EQ(status, 1);
-    EXPECT_EQ(text, "pulsara: error: no audio output device could be opened\n");
+    EXPECT_EQ(readFile(errors), "pulsara: error: no audio output device could be opened\n");
 }

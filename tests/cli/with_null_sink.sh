@@ -20,17 +20,17 @@ while [ $# -gt 0 ]; do
     esac
 done
 [ $# -gt 0 ] || { echo "with_null_sink.sh: no command" >&2; exit 2; }
-
 command -v pulseaudio >/dev/null && command -v pactl >/dev/null && command -v parec >/dev/null || exit 77
 
 runtime=$(mktemp -d)
 server_pid="" recorder_pid=""
 cleanup() {
-    [ -n "$recorder_pid" ] && kill "$recorder_pid" 2>/dev/null && wait "$recorder_pid" 2>/dev/null
-    [ -n "$server_pid" ] && kill "$server_pid" 2>/dev/null && wait "$server_pid" 2>/dev/null
+    for pid in $recorder_pid $server_pid; do kill "$pid" 2>/dev/null && wait "$pid" 2>/dev/null; done
     rm -rf "$runtime"
 }
 trap cleanup EXIT
+# Tries a check ten times a second for five seconds.
+await() { for _ in $(seq 50); do "$@" && return 0; sleep 0.1; done; return 1; }
 
 # Everything the server and its clients look up stays inside the private folder.
 export HOME=$runtime XDG_RUNTIME_DIR=$runtime XDG_CONFIG_HOME=$runtime/config PULSE_RUNTIME_PATH=$runtime/pulse
@@ -41,11 +41,7 @@ pulseaudio -n --daemonize=no --exit-idle-time=-1 --use-pid-file=no --log-target=
     -L "module-native-protocol-unix socket=$runtime/socket auth-anonymous=1" \
     -L "module-null-sink sink_name=pulsara_test rate=$rate channels=$channels" &
 server_pid=$!
-for _ in $(seq 50); do
-    pactl info >/dev/null 2>&1 && break
-    sleep 0.1
-done
-pactl info >/dev/null 2>&1 || { cat "$runtime/server.log" >&2; exit 77; }
+await pactl info >/dev/null 2>&1 || { cat "$runtime/server.log" >&2; exit 77; }
 pactl set-default-sink pulsara_test
 
 if [ -n "$recording" ]; then
@@ -53,10 +49,8 @@ if [ -n "$recording" ]; then
     parec --latency-msec=20 -d pulsara_test.monitor --format=s16le --rate="$rate" --channels="$channels" --raw >"$recording" &
     recorder_pid=$!
     # Recording starts only once the server lists the recorder's stream.
-    for _ in $(seq 50); do
-        [ -n "$(pactl list short source-outputs 2>/dev/null)" ] && break
-        sleep 0.1
-    done
+    recorder_listed() { [ -n "$(pactl list short source-outputs 2>/dev/null)" ]; }
+    await recorder_listed
 fi
 # A moment of silence first wakes the sink, so that the first notes are heard (and recorded) too.
 head -c $(( rate * channels )) /dev/zero | pacat -d pulsara_test --format=s16le --rate="$rate" --channels="$channels" --raw

@@ -67,7 +67,9 @@ TEST_P(WindowScreenshot, MatchesTheReference)
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, WindowScreenshot, testing::Values(QSize(800, 600), QSize(480, 360)),
-    [](const testing::TestParamInfo<QSize>& info) { return std::to_string(info.param.width()) + "x" + std::to_string(info.param.height()); });
+    [](const testing::TestParamInfo<QSize>& info) {
+        return std::to_string(info.param.width()) + "x" + std::to_string(info.param.height());
+    });
 
 } // namespace
 } // namespace pulsara

@@ -99,7 +99,8 @@ TEST(ArrowPainter, FillsTheTriangleOfItsDirection)
         arrow.setDestination(&canvas.dc);
         EXPECT_EQ(arrow.drawRect(10, 10, 20, 20), 1);
         canvas.dc.end();
-        test::expectPixels(canvas.image, { { inside.x(), inside.y(), qRgb(255, 0, 0) }, { outside.x(), outside.y(), kWhite }, { 40, 39, kWhite } },
+        test::expectPixels(canvas.image,
+            { { inside.x(), inside.y(), qRgb(255, 0, 0) }, { outside.x(), outside.y(), kWhite }, { 40, 39, kWhite } },
             "direction " + std::to_string(direction));
     }
 }
@@ -139,8 +140,8 @@ TEST(SkinBitmap, DrawRectCropsAndDrawPartCopiesFromItsSourceCorner)
     EXPECT_EQ(bitmap.drawPart(7, 3, 3, 3, 40, 5), 1);
     canvas.dc.end();
     test::expectPixels(canvas.image,
-        { { 3, 2, qRgb(0, 128, 0) }, { 4, 2, kWhite }, { 29, 25, qRgb(1, 2, 3) }, { 30, 25, kWhite }, { 29, 26, kWhite }, { 42, 7, qRgb(1, 2, 3) },
-            { 41, 7, qRgb(0, 128, 0) }, { 43, 7, kWhite } });
+        { { 3, 2, qRgb(0, 128, 0) }, { 4, 2, kWhite }, { 29, 25, qRgb(1, 2, 3) }, { 30, 25, kWhite }, { 29, 26, kWhite },
+            { 42, 7, qRgb(1, 2, 3) }, { 41, 7, qRgb(0, 128, 0) }, { 43, 7, kWhite } });
 }
 
 } // namespace

@@ -17,7 +17,10 @@ public:
         log_.push_back(name_ + ".paint" + std::to_string(mode));
         return Element::paint(dc, mode);
     }
-    int stylusDown(int button, int32_t x, int32_t y) override { return record(".down" + std::to_string(button) + "@" + std::to_string(x) + "," + std::to_string(y)); }
+    int stylusDown(int button, int32_t x, int32_t y) override
+    {
+        return record(".down" + std::to_string(button) + "@" + std::to_string(x) + "," + std::to_string(y));
+    }
     int stylusUp(int button, int32_t, int32_t) override { return record(".up" + std::to_string(button)); }
     int stylusMove(int32_t, int32_t) override { return record(".move"); }
 

@@ -62,20 +62,6 @@ struct Kernel {
     }
 };
 
-struct Voice {
-    std::vector<float> frames; // `length` frames, the spare frame and a zero tail for the reference
-    int32_t length = 0;
-    uint32_t channels = 1;
-};
-
-Voice randomVoice(std::mt19937& random, uint32_t channels, int32_t length)
-{
-    std::uniform_real_distribution<float> value(-1.0f, 1.0f);
-    Voice voice { std::vector<float>(static_cast<std::size_t>(length + 4) * channels, 0.0f), length, channels };
-    std::generate_n(voice.frames.begin(), static_cast<std::size_t>(length) * channels, [&] { return value(random); });
-    return voice;
-}
-
 float randomRate(std::mt19937& random)
 {
     switch (std::uniform_int_distribution<int>(0, 3)(random)) {
@@ -106,36 +92,32 @@ double randomStart(std::mt19937& random, int32_t length)
 // expects every output float and every stored position to be the same.
 void expectSameAsReference(Kernel kernel, std::mt19937& random, uint32_t channels)
 {
-    Voice voice = randomVoice(random, channels, std::uniform_int_distribution<int32_t>(2, 3000)(random));
+    // `length` random frames, the spare frame and a zero tail for the reference.
+    int32_t length = std::uniform_int_distribution<int32_t>(2, 3000)(random);
+    std::vector<float> voice(static_cast<std::size_t>(length + 4) * channels, 0.0f);
+    std::uniform_real_distribution<float> value(-1.0f, 1.0f);
+    std::generate_n(voice.begin(), static_cast<std::size_t>(length) * channels, [&] { return value(random); });
     float rate = randomRate(random);
     float volume = std::uniform_real_distribution<float>(0.0f, 1.5f)(random);
-    double position = randomStart(random, voice.length);
+    double position = randomStart(random, length);
     double expectedPosition = position;
     auto reference = kernel.method == Method::Linear ? referenceLinear : referenceNearest;
-    MixSource source { voice.frames.data(), static_cast<uint32_t>(voice.length + 1) };
+    MixSource source { voice.data(), static_cast<uint32_t>(length + 1) };
 
-    for (int block = 0; block < 50 && position < voice.length; ++block) {
+    for (int block = 0; block < 50 && position < length; ++block) {
         uint32_t wanted = std::uniform_int_distribution<uint32_t>(0, 700)(random);
-        double left = (voice.length - position) / rate;
+        double left = (length - position) / rate;
         uint32_t frames = left >= wanted ? wanted : static_cast<uint32_t>(left);
         std::vector<float> out(static_cast<std::size_t>(frames) * channels + 1);
-        std::generate(out.begin(), out.end(), [&] { return std::uniform_real_distribution<float>(-1, 1)(random); });
+        std::generate(out.begin(), out.end(), [&] { return value(random); });
         std::vector<float> expected = out;
 
         position = kernel(MixTarget { out.data(), frames, channels }, source, position, rate, volume);
-        expectedPosition = reference(expected, frames, channels, voice.frames, expectedPosition, rate, volume);
+        expectedPosition = reference(expected, frames, channels, voice, expectedPosition, rate, volume);
 
         ASSERT_EQ(position, expectedPosition) << "rate " << rate << " block " << block;
-        for (std::size_t i = 0; i < out.size(); ++i)
-            ASSERT_EQ(out[i], expected[i]) << "float " << i << " rate " << rate << " block " << block;
+        ASSERT_EQ(out, expected) << "rate " << rate << " block " << block;
     }
-}
-
-std::vector<float> ramp(std::initializer_list<float> values)
-{
-    std::vector<float> frames(values);
-    frames.push_back(0.0f); // the spare frame
-    return frames;
 }
 
 } // namespace
@@ -147,6 +129,10 @@ TEST(Resampler, FastLoopsMatchTheMethodsFrameByFrame)
         if (isAvailable(lanes))
             kernels.push_back({ Method::Linear, lanes });
     }
+    ASSERT_TRUE(isAvailable(bestMixLanes()));
+#if defined(__x86_64__)
+    EXPECT_NE(bestMixLanes(), MixLanes::Plain) << "every x86-64 processor has SSE2";
+#endif
     std::mt19937 random(20261121);
     for (const Kernel& kernel : kernels) {
         for (uint32_t channels : { 1u, 2u }) {
@@ -162,15 +148,6 @@ TEST(Resampler, FastLoopsMatchTheMethodsFrameByFrame)
     }
 }
 
-TEST(Resampler, LinearRunsOnTheBestLanesOfTheProcessor)
-{
-    EXPECT_TRUE(isAvailable(bestMixLanes()));
-    EXPECT_TRUE(isAvailable(MixLanes::Plain));
-#if defined(__x86_64__)
-    EXPECT_NE(bestMixLanes(), MixLanes::Plain) << "every x86-64 processor has SSE2";
-#endif
-}
-
 TEST(Resampler, CopyAddsEveryFloatScaledByTheVolume)
 {
     for (uint32_t count : { 0u, 1u, 15u, 16u, 17u, 100u }) {
@@ -184,60 +161,50 @@ TEST(Resampler, CopyAddsEveryFloatScaledByTheVolume)
     }
 }
 
-TEST(Resampler, NearestDropsTheFractionOfTheEntryPosition)
+TEST(Resampler, KernelsStepThroughTheSourceAsDesigned)
 {
-    std::vector<float> source(40);
-    for (std::size_t i = 0; i < source.size(); ++i)
-        source[i] = static_cast<float>(i);
-    std::vector<float> out(4, 0.0f);
-    double next = mixNearest(MixTarget { out.data(), 4, 1 }, MixSource { source.data(), 40 }, 10.5, 2.0f, 1.0f);
-    EXPECT_EQ(out, (std::vector<float> { 10, 12, 14, 16 }));
-    EXPECT_EQ(next, 10.5 + 2.0 * 4);
-}
-
-TEST(Resampler, NearestMixesBothChannelsOfTheSameFrame)
-{
-    std::vector<float> source { 1, -1, 2, -2, 3, -3, 4, -4, 0, 0 };
-    std::vector<float> out(6, 0.0f);
-    mixNearest(MixTarget { out.data(), 3, 2 }, MixSource { source.data(), 5 }, 0.0, 1.5f, 2.0f);
-    EXPECT_EQ(out, (std::vector<float> { 2, -2, 4, -4, 8, -8 })) << "frames 0, 1 and 3";
-}
-
-TEST(Resampler, LinearInterpolatesAndStepsOnceMoreThanItMixed)
-{
-    std::vector<float> source = ramp({ 1, 3, 7, 15 });
-    std::vector<float> out(4, 0.0f);
-    double next = mixLinear(MixTarget { out.data(), 4, 1 }, MixSource { source.data(), 5 }, 0.0, 0.5f, 1.0f);
-    EXPECT_EQ(out, (std::vector<float> { 1, 2, 3, 5 }));
-    EXPECT_EQ(next, 2.5);
-}
-
-TEST(Resampler, LinearInterpolatesEachChannelOnItsOwn)
-{
-    std::vector<float> source { 0, 8, 2, 4, 0, 0 };
-    std::vector<float> out(4, 0.0f);
-    mixLinear(MixTarget { out.data(), 2, 2 }, MixSource { source.data(), 3 }, 0.0, 0.75f, 1.0f);
-    EXPECT_EQ(out, (std::vector<float> { 0, 8, 1.5f, 5 }));
-}
-
-TEST(Resampler, LinearFallsBackToNearestForFewerThanTwoFrames)
-{
-    std::vector<float> source = ramp({ 0, 10, 20 });
-    std::vector<float> out(1, 0.0f);
-    double next = mixLinear(MixTarget { out.data(), 1, 1 }, MixSource { source.data(), 4 }, 0.5, 1.5f, 1.0f);
-    EXPECT_EQ(out[0], 0.0f) << "nearest takes frame 0 without interpolating";
-    EXPECT_EQ(next, 2.0) << "nearest adds frames x rate, without the extra step";
+    std::vector<float> tens(40);
+    for (std::size_t i = 0; i < tens.size(); ++i)
+        tens[i] = static_cast<float>(i);
+    const struct {
+        const char* what;
+        Method method;
+        std::vector<float> source; // with its spare frame
+        uint32_t channels;
+        double position;
+        float rate, volume;
+        std::vector<float> out;
+        double next;
+    } cases[] = {
+        { "nearest drops the fraction of the entry position", Method::Nearest, tens, 1, 10.5, 2.0f, 1.0f,
+            { 10, 12, 14, 16 }, 18.5 },
+        { "nearest mixes both channels of frames 0, 1 and 3", Method::Nearest, { 1, -1, 2, -2, 3, -3, 4, -4, 0, 0 }, 2,
+            0.0, 1.5f, 2.0f, { 2, -2, 4, -4, 8, -8 }, 4.5 },
+        { "linear steps once more than it mixed", Method::Linear, { 1, 3, 7, 15, 0 }, 1, 0.0, 0.5f, 1.0f,
+            { 1, 2, 3, 5 }, 2.5 },
+        { "linear interpolates each channel on its own", Method::Linear, { 0, 8, 2, 4, 0, 0 }, 2, 0.0, 0.75f, 1.0f,
+            { 0, 8, 1.5f, 5 }, 2.25 },
+        { "linear falls back to nearest below two frames", Method::Linear, { 0, 10, 20, 0 }, 1, 0.5, 1.5f, 1.0f, { 0 },
+            2.0 },
+    };
+    for (const auto& test : cases) {
+        std::vector<float> out(test.out.size(), 0.0f);
+        MixTarget target { out.data(), static_cast<uint32_t>(out.size()) / test.channels, test.channels };
+        MixSource source { test.source.data(), static_cast<uint32_t>(test.source.size()) / test.channels };
+        auto kernel = test.method == Method::Linear ? mixLinear : mixNearest;
+        EXPECT_EQ(kernel(target, source, test.position, test.rate, test.volume), test.next) << test.what;
+        EXPECT_EQ(out, test.out) << test.what;
+    }
 }
 
 TEST(Resampler, KernelsNeverReadPastTheReadableFrames)
 {
-    std::vector<float> source = ramp({ 1, 2, 3 });
+    std::vector<float> source { 1, 2, 3, 0 };
     for (Method method : { Method::Nearest, Method::Linear }) {
         std::vector<float> out(10, -5.0f);
         MixTarget target { out.data(), 10, 1 };
         MixSource readable { source.data(), 4 };
-        double next = method == Method::Linear ? mixLinear(target, readable, 0.0, 1.5f, 1.0f)
-                                               : mixNearest(target, readable, 0.0, 1.5f, 1.0f);
+        double next = (method == Method::Linear ? mixLinear : mixNearest)(target, readable, 0.0, 1.5f, 1.0f);
         EXPECT_EQ(next, method == Method::Linear ? 16.5 : 15.0);
         EXPECT_NE(out[0], -5.0f) << "frames inside the data are mixed";
         for (std::size_t k = 3; k < out.size(); ++k)

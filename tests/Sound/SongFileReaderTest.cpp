@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 
 using namespace pulsara;
@@ -24,13 +23,11 @@ int readSong(Song& song, const SongBytes& file)
     return readSong(song, file, locator);
 }
 
-// A pattern block for pattern slot 0 whose first row holds `steps`; the rest of its rows empty.
-SongBytes& firstRowSteps(SongBytes& file, const std::vector<uint32_t>& steps)
+SongBytes firstBytes(const SongBytes& whole, std::size_t count)
 {
-    file.code(13).code(11);
-    for (uint32_t index : steps)
-        file.step(index, 1.0f, 0.5f, 7);
-    return file.end().end();
+    SongBytes file;
+    file.bytes.assign(whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(count));
+    return file;
 }
 
 } // namespace
@@ -38,90 +35,54 @@ SongBytes& firstRowSteps(SongBytes& file, const std::vector<uint32_t>& steps)
 TEST(SongFileReader, OnlyTheMagicGivesANewSongAndKeepsTempoVolumeAndShownEditor)
 {
     Song song;
-    song.player().setTempo(123.0f);
-    song.player().setVolume(0.5f);
-    song.setStepsPerPattern(32);
-    song.setBeatsPerPattern(3);
-    song.instrument(4).setName(u"kick");
-    song.instrument(4).setVolume(0.1f);
-    song.player().pattern(2).setNote(3, 4, 1.0f);
-    song.player().setPatternName(2, u"verse");
-    song.player().playlist().set(2, 9, 1.0f);
-    song.player().setLoopStart(3);
-    song.player().setLoopEnd(5);
-    song.view(1) = { 4, { 5, 6 } };
-    song.setEditorShown(2);
-
-    RecordingPresenter presenter;
+    arrangeSong(song);
+    ReportRecorder reports;
     EXPECT_EQ(readSong(song, SongBytes().magic()), 1);
-
-    EXPECT_TRUE(presenter.reports.empty());
+    EXPECT_TRUE(reports.reports().empty());
     EXPECT_EQ(song.stepsPerPattern(), 16u);
     EXPECT_EQ(song.beatsPerPattern(), 4u);
-    EXPECT_EQ(song.instrument(4).name(), u"");
-    EXPECT_EQ(song.instrument(4).volume(), 0.7f);
-    EXPECT_FALSE(song.player().pattern(2).isNote(3, 4));
-    EXPECT_EQ(song.player().patternName(2), u"");
+    EXPECT_EQ(song.instrument(39).name(), u"");
+    EXPECT_EQ(song.instrument(39).volume(), 0.7f);
+    EXPECT_FALSE(song.player().pattern(10).isNote(39, 0));
+    EXPECT_EQ(song.player().patternName(10), u"");
     EXPECT_TRUE(song.player().playlist().isEmpty());
     EXPECT_EQ(song.player().loopStart(), 0);
     EXPECT_EQ(song.player().loopEnd(), -1);
     EXPECT_EQ(song.view(1), EditorViewState {});
-    // Tempo and volume belong to the application until a file sets them; the shown editor is
-    // the one that was shown.
-    EXPECT_EQ(song.player().tempo(), 123.0f);
-    EXPECT_EQ(song.player().volume(), 0.5f);
-    EXPECT_EQ(song.editorShown(), 2);
-}
-
-TEST(SongFileReader, ReadsTheEditorShownFromTheFile)
-{
-    Song song;
-    song.setEditorShown(2);
-    readSong(song, SongBytes().magic().longItem(17, 1));
+    // Tempo and volume belong to the application until a file sets them.
+    EXPECT_EQ(song.player().tempo(), 97.5f);
+    EXPECT_EQ(song.player().volume(), 0.45f);
     EXPECT_EQ(song.editorShown(), 1);
-}
-
-TEST(SongFileReader, ACutInsideAPatternKeepsTheStepsBeforeItWithoutAReport)
-{
-    SongBytes whole = SongBytes().magic().doubleItem(9, 99.0);
-    firstRowSteps(whole, { 1, 5 });
-    SongBytes firstStepOnly = SongBytes().magic().doubleItem(9, 99.0);
-    firstRowSteps(firstStepOnly, { 1 });
-    // The second step's bytes run from where the one-step file closes its row to the row's end.
-    std::size_t secondStepStart = firstStepOnly.bytes.size() - 2;
-    std::size_t secondStepEnd = whole.bytes.size() - 2;
-
-    for (std::size_t cut = secondStepStart; cut < secondStepEnd; ++cut) {
-        SongBytes file;
-        file.bytes.assign(whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(cut));
-        Song song;
-        RecordingPresenter presenter;
-        EXPECT_EQ(readSong(song, file), 1) << "cut at " << cut;
-        EXPECT_TRUE(presenter.reports.empty()) << "cut at " << cut;
-        EXPECT_EQ(song.player().tempo(), 99.0f);
-        EXPECT_EQ(song.player().pattern(0).cell(0, 1), (Step { 0.5f, 1.0f, 7 })) << "cut at " << cut;
-        EXPECT_FALSE(song.player().pattern(0).isNote(0, 5)) << "cut at " << cut;
-    }
-    Song song;
-    readSong(song, whole);
-    EXPECT_EQ(song.player().pattern(0).cell(0, 5), (Step { 0.5f, 1.0f, 7 }));
 }
 
 TEST(SongFileReader, StopsCleanlyWhereverTheDataEnds)
 {
-    // Cuts inside a top-level value, an instrument's string and a view pair.
+    // Cuts inside a top-level value, an instrument's string and a view pair, up to the tempo's
+    // last byte: nothing past the cut is read.
     SongBytes whole = SongBytes().magic().doubleItem(8, 0.25).code(10).stringValue(u"abc").end();
     whole.code(18).code(21).longValue(3).longValue(4).end().end().doubleItem(9, 120.0);
-    // Up to the tempo's last byte; a cut after it only loses the item's closing 0.
     for (std::size_t cut = 4; cut < whole.bytes.size() - 1; ++cut) {
-        SongBytes file;
-        file.bytes.assign(whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(cut));
         Song song;
-        RecordingPresenter presenter;
-        EXPECT_EQ(readSong(song, file), 1) << "cut at " << cut;
-        EXPECT_TRUE(presenter.reports.empty()) << "cut at " << cut;
-        EXPECT_NE(song.player().tempo(), 120.0f) << "a value past the cut was read, cut at " << cut;
+        ReportRecorder reports;
+        EXPECT_EQ(readSong(song, firstBytes(whole, cut)), 1) << "cut at " << cut;
+        EXPECT_TRUE(reports.reports().empty()) << "cut at " << cut;
+        EXPECT_NE(song.player().tempo(), 120.0f) << "cut at " << cut;
     }
+    // Cuts inside a pattern's second step keep the first step.
+    SongBytes steps = SongBytes().magic().doubleItem(9, 99.0).code(13).code(11).step(1, 1.0f, 0.5f, 7);
+    std::size_t secondStart = steps.bytes.size();
+    steps.step(5, 1.0f, 0.5f, 7).end().end();
+    for (std::size_t cut = secondStart; cut < steps.bytes.size() - 2; ++cut) {
+        Song song;
+        ReportRecorder reports;
+        EXPECT_EQ(readSong(song, firstBytes(steps, cut)), 1) << "cut at " << cut;
+        EXPECT_TRUE(reports.reports().empty()) << "cut at " << cut;
+        EXPECT_EQ(song.player().pattern(0).cell(0, 1), (Step { 0.5f, 1.0f, 7 })) << "cut at " << cut;
+        EXPECT_FALSE(song.player().pattern(0).isNote(0, 5)) << "cut at " << cut;
+    }
+    Song song;
+    readSong(song, steps);
+    EXPECT_TRUE(song.player().pattern(0).isNote(0, 5));
 }
 
 TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItems)
@@ -129,18 +90,27 @@ TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItems)
     SongBytes file = SongBytes().magic();
     file.code(30).stringValue(u"ignored").code(31).longValue(5).doubleValue(1.5).blobValue({ 9, 9, 9 });
     file.code(32).byteValue(8).wordValue(9).end().end().end();
+    // Two-byte codes: 0x80 0x09 is not tag 9, 0x80 0x00 is not the end.
+    file.code(0x8009).doubleValue(50.0).end().code(0x8000).doubleValue(60.0).end();
     // A value standing where an item would stand is skipped as a value.
     file.stringValue(u"stray").doubleItem(9, 111.0);
-    // Unknown items inside known blocks, too.
     file.code(10).code(40).stringItem(26, u"not the name").end().stringItem(26, u"lead").end();
     file.code(13).code(11).code(41).step(3, 1.0f, 1.0f, 0).end().step(2, 1.0f, 0.25f, 0).end().end();
+    // Items that hold no string where a string belongs: a number then more, nothing, a nested
+    // item; and an empty path, which locates nothing.
+    file.code(10).code(15).longValue(0x00050005).stringValue(u"x").end().code(26).end();
+    file.code(15).code(40).stringValue(u"nested").end().end().stringItem(15, u"").doubleItem(8, 0.125).end();
 
     Song song;
-    RecordingPresenter presenter;
-    EXPECT_EQ(readSong(song, file), 1);
-    EXPECT_TRUE(presenter.reports.empty());
+    RecordingLocator locator;
+    ReportRecorder reports;
+    EXPECT_EQ(readSong(song, file, locator), 1);
+    EXPECT_TRUE(reports.reports().empty());
+    EXPECT_TRUE(locator.located.empty());
     EXPECT_EQ(song.player().tempo(), 111.0f);
     EXPECT_EQ(song.instrument(0).name(), u"lead");
+    EXPECT_EQ(song.instrument(1).name(), u"");
+    EXPECT_EQ(song.instrument(1).volume(), 0.125f);
     EXPECT_FALSE(song.player().pattern(0).isNote(0, 3));
     EXPECT_EQ(song.player().pattern(0).cell(0, 2).volume, 0.25f);
 }
@@ -149,134 +119,78 @@ TEST(SongFileReader, SkipsNestingOfAnyDepthWithoutRecursion)
 {
     constexpr int kDepth = 1'000'000;
     SongBytes file = SongBytes().magic();
-    for (int level = 0; level < kDepth; ++level)
-        file.code(30);
-    for (int level = 0; level < kDepth; ++level)
-        file.end();
-    file.doubleItem(9, 100.0);
-
+    file.bytes.insert(file.bytes.end(), kDepth, 30);
+    file.bytes.insert(file.bytes.end(), kDepth, 0);
     Song song;
-    EXPECT_EQ(readSong(song, file), 1);
+    EXPECT_EQ(readSong(song, file.doubleItem(9, 100.0)), 1);
     EXPECT_EQ(song.player().tempo(), 100.0f);
-}
-
-TEST(SongFileReader, ReadsTwoByteCodes)
-{
-    // 0x80 0x09 is code 32777, not tag 9; 0x80 0x00 is code 32768, not the end.
-    SongBytes file = SongBytes().magic();
-    file.code(0x8009).doubleValue(50.0).end();
-    file.code(0x8000).doubleValue(60.0).end();
-    file.doubleItem(9, 140.0);
-
-    Song song;
-    RecordingPresenter presenter;
-    EXPECT_EQ(readSong(song, file), 1);
-    EXPECT_TRUE(presenter.reports.empty());
-    EXPECT_EQ(song.player().tempo(), 140.0f);
 }
 
 TEST(SongFileReader, TakesNumbersAsFloatOrDoubleAndIntegersOfEveryWidth)
 {
-    struct Case {
-        const char* name;
-        SongBytes file;
-    };
-    auto item = [](uint32_t tag, auto writeValue) {
-        SongBytes file = SongBytes().magic().code(tag);
-        writeValue(file);
-        return file.end();
-    };
-    const Case tempos[] = {
-        { "double", item(9, [](SongBytes& f) { f.doubleValue(133.25); }) },
-        { "float", item(9, [](SongBytes& f) { f.floatValue(133.25f); }) },
-    };
-    for (const Case& test : tempos) {
+    const SongBytes tempos[] = { SongBytes().magic().code(9).doubleValue(133.25).end(),
+        SongBytes().magic().code(9).floatValue(133.25f).end() };
+    for (const SongBytes& file : tempos) {
         Song song;
-        readSong(song, test.file);
-        EXPECT_EQ(song.player().tempo(), 133.25f) << test.name;
+        readSong(song, file);
+        EXPECT_EQ(song.player().tempo(), 133.25f);
     }
-    const Case beats[] = {
-        { "byte", item(23, [](SongBytes& f) { f.byteValue(7); }) },
-        { "word", item(23, [](SongBytes& f) { f.wordValue(7); }) },
-        { "long", item(23, [](SongBytes& f) { f.longValue(7); }) },
-    };
-    for (const Case& test : beats) {
+    const SongBytes beats[] = { SongBytes().magic().code(23).byteValue(7).end(),
+        SongBytes().magic().code(23).wordValue(7).end(), SongBytes().magic().longItem(23, 7) };
+    for (const SongBytes& file : beats) {
         Song song;
-        readSong(song, test.file);
-        EXPECT_EQ(song.beatsPerPattern(), 7u) << test.name;
+        readSong(song, file);
+        EXPECT_EQ(song.beatsPerPattern(), 7u);
     }
 }
 
-TEST(SongFileReader, ReadsEveryTopLevelSetting)
+TEST(SongFileReader, ReadsEverySettingAndFillsBlocksByTheirRunningIndex)
 {
     SongBytes file = SongBytes().magic();
     file.doubleItem(8, 0.5).doubleItem(9, 90.0).longItem(14, 32).longItem(23, 3).longItem(17, 1);
     file.code(24).longValue(2).longValue(0xFFFFFFFF).end();
     file.code(18).longItem(20, 11).code(21).longValue(12).longValue(13).end().end();
     file.code(19).longItem(20, 21).code(21).longValue(22).longValue(0xFFFFFFFE).end().end();
-
-    Song song;
-    readSong(song, file);
-    EXPECT_EQ(song.player().volume(), 0.5f);
-    EXPECT_EQ(song.player().tempo(), 90.0f);
-    EXPECT_EQ(song.stepsPerPattern(), 32u);
-    EXPECT_EQ(song.player().pattern(39).length(), 32u);
-    EXPECT_EQ(song.beatsPerPattern(), 3u);
-    EXPECT_EQ(song.editorShown(), 1);
-    EXPECT_EQ(song.player().loopStart(), 2);
-    EXPECT_EQ(song.player().loopEnd(), -1);
-    EXPECT_EQ(song.view(0), (EditorViewState { 11, { 12, 13 } }));
-    EXPECT_EQ(song.view(1), (EditorViewState { 21, { 22, -2 } }));
-}
-
-TEST(SongFileReader, FillsInstrumentsPlaylistRowsAndPatternsByTheirRunningIndex)
-{
-    SongBytes file = SongBytes().magic();
     file.code(10).end();
     file.code(10).stringItem(26, u"snare drum with a name far longer than thirty-one units");
     file.stringItem(15, u"smp\\snare.wav").doubleItem(8, 0.25).end();
     file.code(11).end();
     file.code(11).longItem(16, 3).longItem(8, 200).end();
-    file.code(13).end();
+    // Pattern 0 holds steps with absent values (tag 8 stands for 16), pattern 1 a full one.
+    file.code(13).code(11).code(16).longValue(2).end().code(8).longValue(3).doubleItem(8, 0.5).end();
+    file.code(16).longValue(4).longItem(25, 9).doubleItem(22, 2.0).end().end().end();
     file.code(13).stringItem(26, u"chorus").code(11).end().code(11).step(4, 1.5f, 0.75f, 256).end().end();
 
     Song song;
     RecordingLocator locator;
     readSong(song, file, locator);
+    const SongPlayer& player = song.player();
+    EXPECT_EQ(player.volume(), 0.5f);
+    EXPECT_EQ(player.tempo(), 90.0f);
+    EXPECT_EQ(song.stepsPerPattern(), 32u);
+    EXPECT_EQ(player.pattern(39).length(), 32u);
+    EXPECT_EQ(song.beatsPerPattern(), 3u);
+    EXPECT_EQ(song.editorShown(), 1);
+    EXPECT_EQ(player.loopStart(), 2);
+    EXPECT_EQ(player.loopEnd(), -1);
+    EXPECT_EQ(song.view(0), (EditorViewState { 11, { 12, 13 } }));
+    EXPECT_EQ(song.view(1), (EditorViewState { 21, { 22, -2 } }));
 
     EXPECT_EQ(song.instrument(1).name(), u"snare drum with a name far long");
     EXPECT_EQ(song.instrument(1).volume(), 0.25f);
     EXPECT_EQ(song.instrument(0).volume(), 0.7f);
-    ASSERT_EQ(locator.located.size(), 1u);
-    EXPECT_EQ(locator.located[0].first, u"smp/snare.wav");
-    EXPECT_EQ(locator.located[0].second, 1u);
+    EXPECT_EQ(locator.located, (std::vector<std::pair<std::u16string, uint32_t>> { { u"smp/snare.wav", 1 } }));
+    EXPECT_TRUE(player.playlist().isOn(1, 3));
+    EXPECT_TRUE(player.playlist().isOn(1, 200));
+    EXPECT_EQ(player.playlist().lastUsedPosition(), 200);
+    EXPECT_FALSE(player.playlist().isOn(0, 3));
 
-    const Playlist& playlist = song.player().playlist();
-    EXPECT_TRUE(playlist.isOn(1, 3));
-    EXPECT_TRUE(playlist.isOn(1, 200));
-    EXPECT_EQ(playlist.lastUsedPosition(), 200);
-    EXPECT_FALSE(playlist.isOn(0, 3));
-
-    EXPECT_EQ(song.player().patternName(1), u"chorus");
-    EXPECT_EQ(song.player().pattern(1).cell(1, 4), (Step { 0.75f, 1.5f, 256 }));
-    EXPECT_FALSE(song.player().pattern(0).isNote(1, 4));
-}
-
-TEST(SongFileReader, GivesAbsentStepValuesTheirDefaults)
-{
-    SongBytes file = SongBytes().magic();
-    file.code(13).code(11);
-    file.code(16).longValue(2).end();
-    file.code(8).longValue(3).doubleItem(8, 0.5).end(); // 8 stands for 16
-    file.code(16).longValue(4).longItem(25, 9).doubleItem(22, 2.0).end();
-    file.end().end();
-
-    Song song;
-    readSong(song, file);
-    const StepGrid& pattern = song.player().pattern(0);
-    EXPECT_EQ(pattern.cell(0, 2), (Step { 1.0f, 1.0f, 0 }));
-    EXPECT_EQ(pattern.cell(0, 3), (Step { 0.5f, 1.0f, 0 }));
-    EXPECT_EQ(pattern.cell(0, 4), (Step { 1.0f, 2.0f, 9 }));
+    EXPECT_EQ(player.pattern(0).cell(0, 2), (Step { 1.0f, 1.0f, 0 }));
+    EXPECT_EQ(player.pattern(0).cell(0, 3), (Step { 0.5f, 1.0f, 0 }));
+    EXPECT_EQ(player.pattern(0).cell(0, 4), (Step { 1.0f, 2.0f, 9 }));
+    EXPECT_EQ(player.patternName(1), u"chorus");
+    EXPECT_EQ(player.pattern(1).cell(1, 4), (Step { 0.75f, 1.5f, 256 }));
+    EXPECT_FALSE(player.pattern(0).isNote(1, 4));
 }
 
 TEST(SongFileReader, ReadsAndDropsWhatLiesBeyondTheBanks)
@@ -287,21 +201,18 @@ TEST(SongFileReader, ReadsAndDropsWhatLiesBeyondTheBanks)
     for (int row = 1; row < 40; ++row)
         file.code(11).end();
     file.code(11).step(0, 1.0f, 1.0f, 0).end().end();
-    for (int pattern = 1; pattern < 41; ++pattern) {
-        file.code(13).stringItem(26, u"p" + fromUtf8(std::to_string(pattern)));
-        file.code(11).step(7, 1.0f, 1.0f, 0).end().end();
-    }
+    for (int pattern = 1; pattern < 41; ++pattern)
+        file.code(13).stringItem(26, u"p" + fromUtf8(std::to_string(pattern))).code(11).step(7, 1.0f, 1.0f, 0).end().end();
     for (int slot = 0; slot < 41; ++slot)
-        file.code(10).stringItem(26, u"i" + fromUtf8(std::to_string(slot))).stringItem(15, u"a.wav").doubleItem(8, 0.5).end();
+        file.code(10).stringItem(26, u"i" + fromUtf8(std::to_string(slot))).stringItem(15, u"a.wav").end();
     for (int row = 0; row < 41; ++row)
         file.code(11).longItem(16, 255).longItem(16, 256).end();
 
     Song song;
     RecordingLocator locator;
-    RecordingPresenter presenter;
+    ReportRecorder reports;
     EXPECT_EQ(readSong(song, file, locator), 1);
-    EXPECT_TRUE(presenter.reports.empty());
-
+    EXPECT_TRUE(reports.reports().empty());
     const StepGrid& first = song.player().pattern(0);
     EXPECT_TRUE(first.isNote(0, 63));
     EXPECT_FALSE(first.isNote(1, 0)) << "step 64 must not spill into the next row";
@@ -316,61 +227,20 @@ TEST(SongFileReader, ReadsAndDropsWhatLiesBeyondTheBanks)
     EXPECT_EQ(song.player().playlist().lastUsedPosition(), 255);
 }
 
-TEST(SongFileReader, IgnoresAnItemThatHoldsNoStringWhereAStringBelongs)
-{
-    SongBytes file = SongBytes().magic();
-    file.code(10);
-    file.code(15).longValue(0x00050005).stringValue(u"x").end(); // a number, then more
-    file.code(26).end(); // nothing at all
-    file.code(15).code(40).stringValue(u"nested").end().end(); // a nested item
-    file.code(15).stringValue(u"").end(); // an empty path locates nothing
-    file.doubleItem(8, 0.125);
-    file.end();
-    file.doubleItem(9, 77.0);
-
-    Song song;
-    RecordingLocator locator;
-    RecordingPresenter presenter;
-    readSong(song, file, locator);
-    EXPECT_TRUE(presenter.reports.empty());
-    EXPECT_TRUE(locator.located.empty());
-    EXPECT_EQ(song.instrument(0).name(), u"");
-    EXPECT_EQ(song.instrument(0).volume(), 0.125f);
-    EXPECT_EQ(song.player().tempo(), 77.0f);
-}
-
 TEST(SongFileReader, ReadsStringsUpToThePathCapacityAndSkipsUnreadOnesOfAnyLength)
 {
     std::u16string longest(PathString::kCapacity, u'a');
-    std::u16string huge(100'000, u'b');
-    SongBytes file = SongBytes().magic();
-    file.code(30).stringValue(huge).end();
-    file.code(10).stringItem(15, longest).end();
-
+    SongBytes file = SongBytes().magic().code(30).stringValue(std::u16string(100'000, u'b')).end();
     Song song;
     RecordingLocator locator;
-    readSong(song, file, locator);
+    readSong(song, file.code(10).stringItem(15, longest).end(), locator);
     ASSERT_EQ(locator.located.size(), 1u);
     EXPECT_EQ(locator.located[0].first, longest);
 }
 
-TEST(SongFileReaderDeathTest, AnOverlongStringIsTheFatalBufferOverflow)
-{
-    SongBytes file = SongBytes().magic().code(10).stringItem(26, std::u16string(PathString::kCapacity + 1, u'a')).end();
-    EXPECT_EXIT(
-        {
-            LinePrintingPresenter presenter;
-            setErrorPresenter(&presenter);
-            Song song;
-            readSong(song, file);
-        },
-        ::testing::ExitedWithCode(255), "FATAL ERROR text:114 Buffer owerflow");
-}
-
 TEST(SongFileReader, StopsAPlayingSongWhileLoadingAndStartsItAgain)
 {
-    class PlayStateLocator : public RecordingLocator {
-    public:
+    struct PlayStateLocator : RecordingLocator {
         void locateSample(Song& song, std::u16string_view name, uint32_t slot) override
         {
             playingWhileLocating = song.player().isPlaying();
@@ -385,26 +255,26 @@ TEST(SongFileReader, StopsAPlayingSongWhileLoadingAndStartsItAgain)
     ASSERT_EQ(locator.located.size(), 1u);
     EXPECT_FALSE(locator.playingWhileLocating);
     EXPECT_TRUE(song.player().isPlaying());
-
     Song stopped;
     readSong(stopped, SongBytes().magic());
     EXPECT_FALSE(stopped.player().isPlaying());
 }
 
-namespace {
-
-struct CorruptCase {
-    int line;
-    SongBytes file;
-    SongReader::DataEnd end = SongReader::DataEnd::EndOfFile;
-};
-
-std::vector<CorruptCase> corruptCases()
+TEST(SongFileReaderDeathTest, EveryCorruptValueIsFatalAtItsOwnLine)
 {
     using End = SongReader::DataEnd;
+    struct Case {
+        int line;
+        SongBytes file;
+        End end = End::EndOfFile;
+        const char* place = "Sound/songFile";
+        const char* message = "The song file is corrupted";
+    };
     auto file = [] { return SongBytes().magic(); };
-    auto step = [](SongBytes f) { return f.code(13).code(11).code(16).longValue(1); };
-    return {
+    auto step = [&] { return file().code(13).code(11).code(16).longValue(1); };
+    const Case cases[] = {
+        { 114, file().code(10).stringItem(26, std::u16string(PathString::kCapacity + 1, u'a')).end(), End::EndOfFile,
+            "text", "Buffer owerflow" },
         // Reads that fail rather than find the end of the file.
         { 10, SongBytes().raw({ 'K', 'V' }), End::ReadError },
         { 10, file().code(14).code(3).raw({ 1, 0 }), End::ReadError },
@@ -429,27 +299,20 @@ std::vector<CorruptCase> corruptCases()
         { 272, file().code(11).doubleItem(8, 3.0).end() },
         { 288, file().code(13).code(11).code(16).doubleValue(1.0).end().end().end() },
         { 288, file().code(13).code(11).code(8).code(0x8003).raw({ 1, 0, 0, 0 }).end().end().end() },
-        { 293, step(file()).code(22).byteValue(1).end() },
-        { 294, step(file()).stringItem(8, u"0.5") },
-        { 295, step(file()).doubleItem(25, 0.0) },
+        { 293, step().code(22).byteValue(1).end() },
+        { 294, step().stringItem(8, u"0.5") },
+        { 295, step().doubleItem(25, 0.0) },
     };
-}
-
-} // namespace
-
-TEST(SongFileReaderDeathTest, EveryCorruptValueIsFatalAtItsOwnLine)
-{
-    for (const CorruptCase& test : corruptCases()) {
-        std::string expected = "FATAL ERROR Sound/songFile:" + std::to_string(test.line) + " The song file is corrupted";
+    for (const Case& test : cases) {
         EXPECT_EXIT(
             {
                 LinePrintingPresenter presenter;
-                setErrorPresenter(&presenter);
                 Song song;
                 RecordingLocator locator;
                 readSong(song, test.file, locator, test.end);
             },
-            ::testing::ExitedWithCode(255), expected);
+            ::testing::ExitedWithCode(255),
+            std::string("FATAL ERROR ") + test.place + ":" + std::to_string(test.line) + " " + test.message);
     }
 }
 

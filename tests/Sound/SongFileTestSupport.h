@@ -1,14 +1,16 @@
 #pragma once
 
 // Helpers shared by the song file tests: a builder of song file bytes, a sample locator that
-// records what it is asked, a presenter that records reports, and a scratch folder.
+// records what it is asked, a presenter for death tests, and a scratch folder.
 
 #include "Sound/SampleLocator.h"
 #include "Sound/Song.h"
 #include "Sound/StoredSamplePath.h"
 #include "base/ErrorReporter.h"
 #include "base/text.h"
+#include "support/ReportRecorder.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstdio>
@@ -20,6 +22,8 @@
 #include <vector>
 
 namespace pulsara::testing {
+
+using test::ReportRecorder;
 
 // Song file bytes, written the long way so that a test reads like the format description.
 class SongBytes {
@@ -45,21 +49,15 @@ public:
             little(unit, 2);
         return little(0, 2);
     }
-    SongBytes& blobValue(std::vector<uint8_t> blob)
-    {
-        code(6).little(blob.size(), 4);
-        return raw(blob);
-    }
-    // An item holding one integer, number or string.
+    SongBytes& blobValue(std::vector<uint8_t> blob) { return code(6).little(blob.size(), 4).raw(blob); }
     SongBytes& longItem(uint32_t tag, uint32_t value) { return code(tag).longValue(value).end(); }
     SongBytes& doubleItem(uint32_t tag, double value) { return code(tag).doubleValue(value).end(); }
     SongBytes& stringItem(uint32_t tag, std::u16string_view text) { return code(tag).stringValue(text).end(); }
     // A step of a pattern row: index, rate, volume and parameter as the writer writes them.
     SongBytes& step(uint32_t index, float rate, float volume, int32_t parameter)
     {
-        code(16).longValue(index);
-        doubleItem(22, rate).doubleItem(8, volume).longItem(25, static_cast<uint32_t>(parameter));
-        return end();
+        code(16).longValue(index).doubleItem(22, rate).doubleItem(8, volume);
+        return longItem(25, static_cast<uint32_t>(parameter)).end();
     }
     SongBytes& raw(const std::vector<uint8_t>& more)
     {
@@ -93,33 +91,40 @@ public:
     std::vector<std::pair<std::u16string, uint32_t>> located;
 };
 
-struct RecordedReport {
-    int32_t code;
-    std::string source;
-    int line;
-    std::u16string message;
-};
+// Sets every setting of `song` away from its default and shows it in another order: display
+// position p shows instrument slot 39 - p and pattern (p + 10) % 40.
+inline void arrangeSong(Song& song)
+{
+    SongPlayer& player = song.player();
+    player.setTempo(97.5f);
+    player.setVolume(0.45f);
+    song.setStepsPerPattern(48);
+    song.setBeatsPerPattern(5);
+    std::reverse(song.instrumentOrder().begin(), song.instrumentOrder().end());
+    std::rotate(song.patternOrder().begin(), song.patternOrder().begin() + 10, song.patternOrder().end());
+    song.instrument(39).setName(u"kick");
+    song.instrument(39).setVolume(0.9f);
+    song.instrument(0).setName(u"far away");
+    player.setPatternName(10, u"intro");
+    player.setPatternName(9, u"outro");
+    player.pattern(10).setCell(39, 0, { 0.5f, 2.0f, 3 });
+    player.pattern(10).setCell(0, 63, { 1.0f, 0.25f, -7 });
+    player.pattern(9).setCell(20, 47, { 0.0f, 1.0f, 256 });
+    player.playlist().set(10, 0, 1.0f);
+    player.playlist().set(10, 200, 1.0f);
+    player.playlist().set(9, 255, 1.0f);
+    player.setLoopStart(2);
+    player.setLoopEnd(200);
+    song.setEditorShown(1);
+    song.view(0) = { 3, { 4, 5 } };
+    song.view(1) = { -1, { 7, -8 } };
+}
 
-// Records the reports made while it is installed.
-class RecordingPresenter : public ErrorPresenter {
-public:
-    RecordingPresenter() { previous_ = setErrorPresenter(this); }
-    ~RecordingPresenter() override { setErrorPresenter(previous_); }
-    void present(const ErrorReport& report) override
-    {
-        reports.push_back({ report.code, report.source ? report.source : "", report.line, std::u16string(report.message) });
-    }
-
-    std::vector<RecordedReport> reports;
-
-private:
-    ErrorPresenter* previous_ = nullptr;
-};
-
-// For death tests: prints the source and line of a report beside its message, so that the
-// expected output names the exact place.
+// For death tests: installs itself and prints the source and line of a report beside its
+// message, so that the expected output names the exact place.
 class LinePrintingPresenter : public ErrorPresenter {
 public:
+    LinePrintingPresenter() { setErrorPresenter(this); }
     void present(const ErrorReport& report) override
     {
         std::fprintf(stderr, "%s %s:%d %s\n", toUtf8(report.caption()).c_str(), report.source ? report.source : "",
@@ -146,8 +151,9 @@ public:
     std::u16string file(const std::string& name) const { return fromUtf8((path_ / name).string()); }
     void write(const std::string& name, const std::vector<uint8_t>& bytes) const
     {
-        std::ofstream out(path_ / name, std::ios::binary);
-        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        std::filesystem::create_directories((path_ / name).parent_path());
+        std::ofstream(path_ / name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
     std::vector<uint8_t> read(const std::string& name) const
     {

@@ -67,7 +67,8 @@ std::vector<int16_t> readSamples(const fs::path& path, size_t skipBytes)
 {
     std::string bytes = readFile(path);
     std::vector<int16_t> samples(bytes.size() > skipBytes ? (bytes.size() - skipBytes) / 2 : 0);
-    std::memcpy(samples.data(), bytes.data() + skipBytes, samples.size() * 2);
+    if (!samples.empty())
+        std::memcpy(samples.data(), bytes.data() + skipBytes, samples.size() * 2);
     return samples;
 }
 

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <random>
+#include <tuple>
 #include <vector>
 
 using namespace pulsara;
@@ -62,30 +62,27 @@ struct Kernel {
     }
 };
 
+// A semitone step of the piano, any rate, a multiple of a quarter, or a rate just above a half.
 float randomRate(std::mt19937& random)
 {
-    switch (std::uniform_int_distribution<int>(0, 3)(random)) {
-    case 0: // a semitone step of the piano
+    int kind = std::uniform_int_distribution<int>(0, 3)(random);
+    if (kind == 0)
         return static_cast<float>(std::pow(2.0, std::uniform_int_distribution<int>(-24, 24)(random) / 12.0));
-    case 1:
+    if (kind == 1)
         return std::uniform_real_distribution<float>(0.01f, 4.0f)(random);
-    case 2:
-        return std::uniform_int_distribution<int>(1, 8)(random) * 0.25f;
-    default:
-        return 0.5f + std::uniform_int_distribution<int>(0, 100)(random) / 1024.0f;
-    }
+    return kind == 2 ? std::uniform_int_distribution<int>(1, 8)(random) * 0.25f
+                     : 0.5f + std::uniform_int_distribution<int>(0, 100)(random) / 1024.0f;
 }
 
+// The start, a whole frame, or any double: usually not a multiple of the rate's last bit, so the
+// serial loop runs.
 double randomStart(std::mt19937& random, int32_t length)
 {
-    switch (std::uniform_int_distribution<int>(0, 2)(random)) {
-    case 0:
+    int kind = std::uniform_int_distribution<int>(0, 2)(random);
+    if (kind == 0)
         return 0.0;
-    case 1:
-        return std::uniform_int_distribution<int32_t>(0, length - 1)(random);
-    default: // any double: usually not a multiple of the rate's last bit, so the serial loop runs
-        return std::uniform_real_distribution<double>(0.0, length - 1)(random);
-    }
+    return kind == 1 ? std::uniform_int_distribution<int32_t>(0, length - 1)(random)
+                     : std::uniform_real_distribution<double>(0.0, length - 1)(random);
 }
 
 // Plays a voice block by block as a sample does, with the kernel and with the reference, and
@@ -214,26 +211,19 @@ TEST(Resampler, KernelsNeverReadPastTheReadableFrames)
 
 TEST(Resampler, MoreThanTwoChannelsIsFatal)
 {
-    struct Case {
-        Method method;
-        int line;
-        const char* message;
-    };
-    std::vector<float> source(40, 0.5f);
-    std::vector<float> out(30, 0.0f);
-    for (const Case& c : { Case { Method::Nearest, 135, "NoInterpolation: more than 2 channels" },
-             Case { Method::Linear, 99, "LinearInterpolation: more than 2 channels" } }) {
+    std::vector<float> source(40, 0.5f), out(30, 0.0f);
+    for (auto [method, line, message] : { std::tuple { Method::Nearest, 135, u"NoInterpolation: more than 2 channels" },
+             std::tuple { Method::Linear, 99, u"LinearInterpolation: more than 2 channels" } }) {
         test::ReportRecorder reports;
         test::FatalReportsUnwind unwind;
-        MixTarget target { out.data(), 4, 3 };
-        MixSource readable { source.data(), 13 };
-        EXPECT_THROW((c.method == Method::Linear ? mixLinear : mixNearest)(target, readable, 0.0, 0.5f, 1.0f),
+        EXPECT_THROW((method == Method::Linear ? mixLinear : mixNearest)(MixTarget { out.data(), 4, 3 },
+                         MixSource { source.data(), 13 }, 0.0, 0.5f, 1.0f),
             FatalErrorUnwind);
         ASSERT_EQ(reports.reports().size(), 1u);
         EXPECT_EQ(reports.last().code, -1);
         EXPECT_EQ(reports.last().source, "Sound/base");
-        EXPECT_EQ(reports.last().line, c.line);
-        EXPECT_EQ(reports.last().message, std::u16string(c.message, c.message + std::strlen(c.message)));
+        EXPECT_EQ(reports.last().line, line);
+        EXPECT_EQ(reports.last().message, message);
         EXPECT_EQ(out, std::vector<float>(30, 0.0f));
     }
 }

@@ -1,11 +1,7 @@
 #pragma once
 
-// Builds WAV file bytes for tests, and writes them to a temporary file.
-//
-//   auto bytes = makeWav(1, 22050, 8, pcm8({128, 255, 0}));
-//   auto odd = makeWav(2, 44100, 16, pcm16({1, -1}), {WavChunk{"LIST", {'I', 'N', 'F', 'O'}}});
-//   TempWavFile file(bytes, "kick.hard.wav");
-//   sample.load(file.path());
+// Builds WAV file bytes for tests, and writes them to a temporary file:
+//   TempWavFile file(makeWav(1, 22050, 8, pcm8({ 128, 255, 0 })), "kick.hard.wav");
 
 #include <cerrno>
 #include <cstdint>
@@ -17,6 +13,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace pulsara::test {
@@ -29,29 +26,20 @@ struct WavChunk {
     std::optional<uint32_t> declaredSize = std::nullopt;
 };
 
-inline void appendLe16(std::vector<uint8_t>& out, uint16_t value)
+inline void appendLe(std::vector<uint8_t>& out, uint32_t value, int bytes)
 {
-    out.push_back(static_cast<uint8_t>(value));
-    out.push_back(static_cast<uint8_t>(value >> 8));
-}
-
-inline void appendLe32(std::vector<uint8_t>& out, uint32_t value)
-{
-    for (int shift = 0; shift < 32; shift += 8)
-        out.push_back(static_cast<uint8_t>(value >> shift));
+    for (int i = 0; i < bytes; ++i)
+        out.push_back(static_cast<uint8_t>(value >> (8 * i)));
 }
 
 // Sample bytes in the file's encodings: unsigned 8-bit, signed 16-bit and 32-bit float, little-endian.
-inline std::vector<uint8_t> pcm8(std::initializer_list<uint8_t> samples)
-{
-    return std::vector<uint8_t>(samples);
-}
+inline std::vector<uint8_t> pcm8(std::initializer_list<uint8_t> samples) { return std::vector<uint8_t>(samples); }
 
 inline std::vector<uint8_t> pcm16(const std::vector<int16_t>& samples)
 {
     std::vector<uint8_t> out;
     for (int16_t sample : samples)
-        appendLe16(out, static_cast<uint16_t>(sample));
+        appendLe(out, static_cast<uint16_t>(sample), 2);
     return out;
 }
 
@@ -61,23 +49,19 @@ inline std::vector<uint8_t> float32(const std::vector<float>& samples)
     for (float sample : samples) {
         uint32_t bits = 0;
         std::memcpy(&bits, &sample, 4);
-        appendLe32(out, bits);
+        appendLe(out, bits, 4);
     }
     return out;
 }
 
-// The 16-byte "fmt " chunk: format tag 1 (PCM), or 3 (float) for 32 bits; block align is
-// channels x bits / 8.
+// The 16-byte "fmt " chunk: format tag 1 (PCM), or 3 (float) for 32 bits.
 inline WavChunk formatChunk(uint16_t channels, uint32_t rate, uint16_t bits)
 {
     WavChunk chunk { "fmt ", {} };
     uint16_t blockAlign = static_cast<uint16_t>(channels * bits / 8);
-    appendLe16(chunk.bytes, bits == 32 ? 3 : 1);
-    appendLe16(chunk.bytes, channels);
-    appendLe32(chunk.bytes, rate);
-    appendLe32(chunk.bytes, rate * blockAlign);
-    appendLe16(chunk.bytes, blockAlign);
-    appendLe16(chunk.bytes, bits);
+    for (auto [value, bytes] : { std::pair<uint32_t, int> { bits == 32 ? 3 : 1, 2 }, { channels, 2 }, { rate, 4 },
+             { rate * blockAlign, 4 }, { blockAlign, 2 }, { bits, 2 } })
+        appendLe(chunk.bytes, value, bytes);
     return chunk;
 }
 
@@ -87,7 +71,7 @@ inline std::vector<uint8_t> riffWave(const std::vector<WavChunk>& chunks)
     std::vector<uint8_t> out { 'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'A', 'V', 'E' };
     for (const WavChunk& chunk : chunks) {
         out.insert(out.end(), chunk.id.begin(), chunk.id.end());
-        appendLe32(out, chunk.declaredSize.value_or(static_cast<uint32_t>(chunk.bytes.size())));
+        appendLe(out, chunk.declaredSize.value_or(static_cast<uint32_t>(chunk.bytes.size())), 4);
         out.insert(out.end(), chunk.bytes.begin(), chunk.bytes.end());
     }
     uint32_t riffSize = static_cast<uint32_t>(out.size() - 8);
@@ -99,10 +83,9 @@ inline std::vector<uint8_t> riffWave(const std::vector<WavChunk>& chunks)
 inline std::vector<uint8_t> makeWav(uint16_t channels, uint32_t rate, uint16_t bits, std::vector<uint8_t> samples,
     std::vector<WavChunk> extraChunks = {})
 {
-    std::vector<WavChunk> chunks { formatChunk(channels, rate, bits) };
-    chunks.insert(chunks.end(), extraChunks.begin(), extraChunks.end());
-    chunks.push_back(WavChunk { "data", std::move(samples) });
-    return riffWave(chunks);
+    extraChunks.insert(extraChunks.begin(), formatChunk(channels, rate, bits));
+    extraChunks.push_back(WavChunk { "data", std::move(samples) });
+    return riffWave(extraChunks);
 }
 
 // A file in a fresh temporary folder, removed with the folder when this goes away.
@@ -114,10 +97,9 @@ public:
         if (!::mkdtemp(pattern.data()))
             throw std::system_error(errno, std::generic_category(), "mkdtemp");
         folder_ = pattern;
-        std::filesystem::path file = folder_ / fileName;
-        std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()),
-            static_cast<std::streamsize>(bytes.size()));
-        path_ = file.u16string();
+        std::ofstream(folder_ / fileName, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        path_ = (folder_ / fileName).u16string();
     }
     ~TempWavFile()
     {

@@ -160,7 +160,8 @@ TEST(WaveOutStream, StopGracefullyLetsBothQueuedBuffersPlayBeforeClosing)
         EXPECT_EQ(rig.stream.stopGracefully(), 1);
     }
     EXPECT_EQ(rig.stream.state(), StreamState::Closed);
-    // Both buffers played out (the close succeeded without a reset); done while draining does not refill.
+    // Both buffers played out (the close succeeded without a reset); done while draining does
+    // not refill.
     EXPECT_EQ(rig.source.renders.load(), 2);
     Calls calls = rig.device.calls();
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "write"), 2);

@@ -38,6 +38,7 @@ public:
 // Two passes of a kick and snare beat: 3.2 s at tempo 150.
 fs::path writeShortSong(const fs::path& folder)
 {
+    fs::create_directories(folder);
     fs::path demo = fs::path(PULSARA_SHARE_DIR) / "Demo";
     for (const char* name : { "Kick1.wav", "Snare.wav" })
         fs::copy_file(demo / name, folder / name, fs::copy_options::overwrite_existing);
@@ -106,22 +107,16 @@ int run(const std::string& command)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-class Playback : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        folder = fs::temp_directory_path() / ("pulsara-" + name + "-" + std::to_string(getpid()));
-        fs::create_directories(folder);
-        song = writeShortSong(folder);
-    }
-    void TearDown() override
+// Each test gets a scratch folder of its own (ctest runs them in parallel) holding the short song.
+struct Playback : ::testing::Test {
+    ~Playback() override
     {
         if (!std::getenv("PULSARA_KEEP_PLAYBACK"))
             fs::remove_all(folder);
     }
-    fs::path folder;
-    fs::path song;
+    std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+    fs::path folder = fs::temp_directory_path() / ("pulsara-" + name + "-" + std::to_string(getpid()));
+    fs::path song = writeShortSong(folder);
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Sound/SongReader.h"
 
+#include "Sound/SongWriter.h"
 #include "SongFileTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -39,20 +40,18 @@ TEST(SongFileReader, OnlyTheMagicGivesANewSongAndKeepsTempoVolumeAndShownEditor)
     ReportRecorder reports;
     EXPECT_EQ(readSong(song, SongBytes().magic()), 1);
     EXPECT_TRUE(reports.reports().empty());
+    // Tempo and volume belong to the application until a file sets them; the rest is new, as
+    // the writer shows.
+    Song fresh;
+    fresh.player().setTempo(97.5f);
+    fresh.player().setVolume(0.45f);
+    fresh.setEditorShown(1);
+    RecordingLocator locator;
+    EXPECT_TRUE(SongWriter(song, locator, u"/a.kqu").write() == SongWriter(fresh, locator, u"/a.kqu").write());
     EXPECT_EQ(song.stepsPerPattern(), 16u);
-    EXPECT_EQ(song.beatsPerPattern(), 4u);
-    EXPECT_EQ(song.instrument(39).name(), u"");
-    EXPECT_EQ(song.instrument(39).volume(), 0.7f);
-    EXPECT_FALSE(song.player().pattern(10).isNote(39, 0));
-    EXPECT_EQ(song.player().patternName(10), u"");
+    EXPECT_EQ(song.player().pattern(39).length(), 16u);
     EXPECT_TRUE(song.player().playlist().isEmpty());
-    EXPECT_EQ(song.player().loopStart(), 0);
-    EXPECT_EQ(song.player().loopEnd(), -1);
-    EXPECT_EQ(song.view(1), EditorViewState {});
-    // Tempo and volume belong to the application until a file sets them.
     EXPECT_EQ(song.player().tempo(), 97.5f);
-    EXPECT_EQ(song.player().volume(), 0.45f);
-    EXPECT_EQ(song.editorShown(), 1);
 }
 
 TEST(SongFileReader, StopsCleanlyWhereverTheDataEnds)

@@ -5,6 +5,7 @@
 #include "Sound/QueuedWaveDevice.h"
 #include "Sound/RtAudioDevice.h"
 #include "Sound/Song.h"
+#include "StressSong.h"
 
 #include <benchmark/benchmark.h>
 
@@ -19,34 +20,8 @@ using namespace pulsara;
 
 namespace {
 
-constexpr AudioFormat kFormat { 44100, 32, 2 };
+constexpr AudioFormat kFormat = bench::kStressFormat;
 constexpr int kLatencyMs = 30;
-
-// Forty decaying stereo tones, each of its own pitch, with a note on every step of every row
-// and every other step pitched up: the most the sequencer can be asked to mix.
-std::unique_ptr<Song> stressSong()
-{
-    auto song = std::make_unique<Song>(kFormat);
-    constexpr uint32_t kToneFrames = 22050;
-    for (uint32_t slot = 0; slot < Song::kInstruments; ++slot) {
-        std::vector<float> tone(kToneFrames * 2);
-        for (uint32_t i = 0; i < kToneFrames; ++i) {
-            float decay = 1.0f - static_cast<float>(i) / kToneFrames;
-            float value = 0.04f * decay * std::sin(static_cast<float>(i) * (0.012f + 0.0017f * static_cast<float>(slot)));
-            tone[2 * i] = value;
-            tone[2 * i + 1] = 0.5f * value;
-        }
-        song->instrument(slot).sample().setFrames(std::move(tone), 2);
-    }
-    SongPlayer& player = song->player();
-    for (uint32_t row = 0; row < Song::kInstruments; ++row) {
-        for (uint32_t step = 0; step < song->stepsPerPattern(); ++step)
-            player.pattern(0).setCell(row, step, { 0.8f, step % 2 ? 1.5f : 1.0f, 0 });
-    }
-    for (uint32_t position = 0; position < 8; ++position)
-        player.playlist().set(0, position, 1.0f);
-    return song;
-}
 
 // A device whose output the benchmark pulls itself, one buffer per iteration.
 class PulledDevice final : public QueuedWaveDevice {
@@ -62,7 +37,7 @@ protected:
 // the next one. The counter is the share of the 30 ms period that took.
 void BM_FillDense40Tracks30ms(benchmark::State& state)
 {
-    auto song = stressSong();
+    auto song = bench::stressSong(8);
     song->setInterpolation(state.range(0) ? Interpolation::Linear : Interpolation::None);
     PulledDevice device;
     Transport transport(device, *song);
@@ -93,7 +68,7 @@ void BM_NullSinkUnderruns60s(benchmark::State& state)
         state.SkipWithError("needs a sound server: run under tests/cli/with_null_sink.sh");
         return;
     }
-    auto song = stressSong();
+    auto song = bench::stressSong(8);
     for (auto _ : state) {
         RtAudioDevice device;
         Transport transport(device, *song);

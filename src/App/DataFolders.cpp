@@ -29,19 +29,9 @@ std::filesystem::path executableFolder()
 
 } // namespace
 
-std::u16string songsFolder()
-{
-    return documentsSubfolder("Pulsara");
-}
-
 std::u16string samplesFolder()
 {
-    return songsFolder();
-}
-
-std::u16string templatesFolder()
-{
-    return documentsSubfolder("Templates");
+    return documentsSubfolder("Pulsara");
 }
 
 std::u16string dataFolder()

@@ -4,12 +4,8 @@
 
 namespace pulsara {
 
-// <Documents>/Pulsara: the songs folder and the default place of samples.
-std::u16string songsFolder();
 // <Documents>/Pulsara, where samples are looked for when a song's own folder lacks them.
 std::u16string samplesFolder();
-// <Documents>/Templates.
-std::u16string templatesFolder();
 // The installed data (demo, skins, help): $PULSARA_DATA_DIR, else share/pulsara beside the
 // executable (the build tree), else ../share/pulsara from the executable's folder.
 std::u16string dataFolder();

@@ -178,6 +178,7 @@ void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
         renderedFramesPerStep_ = block.framesPerStep;
         position %= block.framesPerPass;
         block.position = position;
+        block.firstStep = firstStepFrom(position, block.framesPerStep);
         block.wrapsAtStart = position == 0 && !freshStart_.exchange(false, std::memory_order_relaxed);
     }
 
@@ -208,11 +209,10 @@ void PatternPlayer::renderTrack(uint32_t row, const Block& block)
         // Walk the pass segments the block covers: the rest of the current pass, then whole
         // passes, each starting at its step 0.
         for (uint64_t passStart = 0; passStart < end; passStart += block.framesPerPass) {
-            uint64_t from = passStart == 0 ? block.position : 0;
             uint64_t to = std::min(end - passStart, block.framesPerPass);
             if (passStart > 0 || block.wrapsAtStart)
                 advanceForRow(static_cast<int32_t>(row), wrap++);
-            for (uint32_t step = firstStepFrom(from, block.framesPerStep); step < block.length; ++step) {
+            for (uint32_t step = passStart == 0 ? block.firstStep : 0; step < block.length; ++step) {
                 uint64_t start = stepStart(step, block.framesPerStep);
                 if (start >= to)
                     break;

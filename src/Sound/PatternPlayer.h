@@ -86,6 +86,7 @@ private:
         uint32_t frames;
         uint32_t channels;
         uint64_t position; // frames into the pass where the block starts
+        uint32_t firstStep; // the first step that starts at or after `position`
         uint64_t framesPerPass;
         double framesPerStep;
         uint32_t length;

@@ -1,9 +1,13 @@
-// How long the window takes to repaint: all of it at 800 x 600 (a resize or an uncovering), and
-// the 10 ms timer's repaint when one element changed (a meter moving while a song plays).
+// How long the main screen takes to draw with the demo song: a full repaint (a resize or an
+// uncovering) at 800 x 600 and 1920 x 1080, scrolling the pattern grid by one column and by four
+// rows, a cell toggled from the keyboard up to the window showing it, and the 10 ms timer's
+// repaint of one moving meter.
 // Run with the offscreen platform: QT_QPA_PLATFORM=offscreen build/bench/RepaintBench
+#include "App/Application.h"
 #include "App/MainWindow.h"
-#include "App/StandInScreen.h"
 #include "GUI/Skin.h"
+#include "GUI/WindowMessage.h"
+#include "Sound/QueuedWaveDevice.h"
 
 #include <QApplication>
 #include <benchmark/benchmark.h>
@@ -11,56 +15,92 @@
 namespace pulsara {
 namespace {
 
-struct ShownWindow {
-    StandInScreen screen { theSkin() };
-    MainWindow window { screen };
-
-    ShownWindow()
-    {
-        window.resize(800, 600);
-        window.show();
-        QCoreApplication::processEvents();
-        // The canvas itself is to be 800 x 600, below the menu bar.
-        window.resize(800, 600 + 600 - window.canvas().height());
-        QCoreApplication::processEvents();
-        window.canvas().repaint();
-    }
+// A device that takes buffers and never plays them: the window's cost alone is measured.
+class SilentDevice final : public QueuedWaveDevice {
+protected:
+    WaveResult openOutput(const WaveFormat&) override { return WaveResult::Ok; }
+    void closeOutput() override { }
 };
 
-void FullRepaint800x600(benchmark::State& state)
+struct ShownWindow {
+    SilentDevice device;
+    Application application { theSkin(), device };
+    std::unique_ptr<MainWindow> window;
+
+    ShownWindow(int width, int height)
+    {
+        application.initialise(200);
+        application.loadSongFile(u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu");
+        window = std::make_unique<MainWindow>(application, application.edits().history());
+        window->resize(width, height);
+        window->show();
+        QCoreApplication::processEvents();
+        // The canvas itself is to have the size, below the menu bar.
+        window->resize(width, height + height - window->canvas().height());
+        QCoreApplication::processEvents();
+        window->canvas().repaint();
+    }
+    Canvas& canvas() { return window->canvas(); }
+    StepGridView& grid() { return application.mainEditor().grid(0); }
+};
+
+void FullRepaint(benchmark::State& state)
 {
-    ShownWindow shown;
-    Canvas& canvas = shown.window.canvas();
+    ShownWindow shown(int(state.range(0)), int(state.range(1)));
     for (auto _ : state)
-        canvas.repaint();
-    state.counters["width"] = canvas.width();
-    state.counters["height"] = canvas.height();
+        shown.canvas().repaint();
+    state.counters["width"] = shown.canvas().width();
+    state.counters["height"] = shown.canvas().height();
 }
-BENCHMARK(FullRepaint800x600)->Unit(benchmark::kMillisecond);
+BENCHMARK(FullRepaint)->Args({ 800, 600 })->Args({ 1920, 1080 })->Unit(benchmark::kMillisecond);
+
+// Scrolling copies the pixels and draws what comes into view, then the window shows it.
+void ScrollGrid(benchmark::State& state)
+{
+    ShownWindow shown(800, 600);
+    // A 64-step pattern, so that there are columns to scroll to.
+    shown.application.edits().setPatternLength(8, 64);
+    shown.grid().refresh();
+    shown.canvas().repaint();
+    const int32_t dx = int32_t(state.range(0));
+    const int32_t dy = int32_t(state.range(1));
+    int32_t direction = 1;
+    for (auto _ : state) {
+        StepGridView& grid = shown.grid();
+        if (grid.firstColumn() + dx * direction > grid.columns() - grid.visibleColumns() || grid.firstColumn() + dx * direction < 0
+            || grid.firstRow() + dy * direction > grid.rows() - grid.visibleRows() || grid.firstRow() + dy * direction < 0)
+            direction = -direction;
+        grid.scroll(dx * direction, dy * direction);
+        shown.canvas().repaint(grid.rect()->toQRect());
+    }
+}
+BENCHMARK(ScrollGrid)->Args({ 1, 0 })->Args({ 0, 4 })->Unit(benchmark::kMicrosecond);
+
+void ToggleCellToRepaint(benchmark::State& state)
+{
+    ShownWindow shown(800, 600);
+    StepGridView& grid = shown.grid();
+    for (auto _ : state) {
+        shown.application.handleMessage(kMessageKeyDown, kKeyReturn, 0);
+        shown.canvas().repaint(grid.cellRect(grid.cursorColumn(), grid.cursorRow()).toQRect());
+    }
+}
+BENCHMARK(ToggleCellToRepaint)->Unit(benchmark::kMicrosecond);
 
 void TimerRepaintOneChangedMeter(benchmark::State& state)
 {
-    ShownWindow shown;
-    LevelMeter& meter = shown.screen.leftMeter();
-    Canvas& canvas = shown.window.canvas();
+    ShownWindow shown(800, 600);
+    LevelMeter& meter = shown.application.topBar().leftMeter();
     float level = 0.0f;
     for (auto _ : state) {
         level = level > 0.9f ? 0.0f : level + 0.1f;
         meter.setValue(level);
-        shown.screen.repaintChanged();
+        shown.application.repaintChanged();
         // What the timer's repaint hands to the window is shown by the next paint event.
-        canvas.repaint(meter.rect()->toQRect());
+        shown.canvas().repaint(meter.rect()->toQRect());
     }
 }
 BENCHMARK(TimerRepaintOneChangedMeter)->Unit(benchmark::kMicrosecond);
-
-void TimerRepaintNothingChanged(benchmark::State& state)
-{
-    ShownWindow shown;
-    for (auto _ : state)
-        shown.screen.repaintChanged();
-}
-BENCHMARK(TimerRepaintNothingChanged)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace pulsara

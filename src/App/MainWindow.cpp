@@ -4,32 +4,37 @@
 #include "GUI/RootElement.h"
 #include "GUI/WindowMessage.h"
 
+#include <QUndoStack>
+
+#include <algorithm>
+#include <array>
+
 namespace pulsara {
 
 namespace {
 
 constexpr uint16_t kExitCommand = 40002;
+// The commands that work so far; the document commands follow.
+constexpr std::array<uint16_t, 3> kAvailable { kExitCommand, 40029, 40033 };
 
 } // namespace
 
-MainWindow::MainWindow(RootElement& root) : canvas_(root, this)
+MainWindow::MainWindow(RootElement& root, QUndoStack& history) : canvas_(root, this)
 {
     setWindowTitle(QStringLiteral("Pulsara"));
     setCentralWidget(&canvas_);
-    canvas_.setMinimumSize(240, 160);
-    // The keys (Escape, later the live-play keys) go to the canvas from the start.
+    // The keys (Escape, the editors' keys, live play) go to the canvas from the start.
     canvas_.setFocus();
-    // Until the shell's commands arrive only Exit works; the rest show greyed.
-    canvas_.buildMenus = [&root](QMenuBar* menuBar) {
+    canvas_.buildMenus = [&root, &history](QMenuBar* menuBar) {
         return buildMenuBar(
-            menuBar,
+            menuBar, history,
             [&root](uint16_t id) {
                 if (id == kExitCommand)
                     root.handleMessage(kMessageClose, 0, 0);
                 else
                     root.handleMessage(kMessageCommand, id, 0);
             },
-            [](uint16_t id) { return id == kExitCommand; });
+            [](uint16_t id) { return std::find(kAvailable.begin(), kAvailable.end(), id) != kAvailable.end(); });
     };
 }
 

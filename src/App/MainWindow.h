@@ -4,6 +4,8 @@
 
 #include <QMainWindow>
 
+class QUndoStack;
+
 namespace pulsara {
 
 class RootElement;
@@ -11,7 +13,7 @@ class RootElement;
 // The one top-level window: the menu bar and the canvas that holds the element tree.
 class MainWindow : public QMainWindow {
 public:
-    explicit MainWindow(RootElement&);
+    MainWindow(RootElement&, QUndoStack& history);
 
     Canvas& canvas() { return canvas_; }
 

@@ -1,8 +1,10 @@
 #include "App/MenuBar.h"
 
 #include <QAction>
+#include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
+#include <QUndoStack>
 
 namespace pulsara {
 
@@ -11,6 +13,7 @@ namespace {
 struct MenuItem {
     const char* text; // null: a separator
     uint16_t commandId;
+    bool checkable = false;
 };
 
 struct Menu {
@@ -18,37 +21,57 @@ struct Menu {
     std::initializer_list<MenuItem> items;
 };
 
-const Menu kMenus[] = {
-    { "File",
-        { { "Empty", 40018 }, { "Open...", 40012 }, { nullptr, 0 }, { "Save", 40019 }, { "Save as...", 40013 },
-            { "Save new version", 40020 }, { nullptr, 0 }, { "Export to WAV", 40034 }, { nullptr, 0 }, { "Exit", 40002 } } },
-    { "Tools", { { "Liveact", 40029 }, { nullptr, 0 }, { "Settings", 40015 }, { "Song Properties", 40033 } } },
-    { "Help", { { "Help", 40028 }, { nullptr, 0 }, { "About", 40027 } } },
-};
+constexpr uint16_t kEmptySongCommand = 40018;
+
+const Menu kFileMenu = { "File",
+    { { "Open...", 40012 }, { nullptr, 0 }, { "Save", 40019 }, { "Save as...", 40013 }, { "Save new version", 40020 },
+        { nullptr, 0 }, { "Export to WAV", 40034 }, { nullptr, 0 }, { "Exit", 40002 } } };
+const Menu kToolsMenu = { "Tools",
+    { { "Liveact", 40029, true }, { nullptr, 0 }, { "Settings", 40015 }, { "Song Properties", 40033 } } };
+const Menu kHelpMenu = { "Help", { { "Help", 40028 }, { nullptr, 0 }, { "About", 40027 } } };
+
+void addItems(QMenu* menu, const Menu& items, const std::function<void(uint16_t)>& sendCommand,
+    const std::function<bool(uint16_t)>& isAvailable)
+{
+    for (const MenuItem& item : items.items) {
+        if (!item.text) {
+            menu->addSeparator();
+            continue;
+        }
+        QAction* action = menu->addAction(QString::fromLatin1(item.text));
+        const uint16_t id = item.commandId;
+        action->setData(id);
+        action->setCheckable(item.checkable);
+        action->setEnabled(!isAvailable || isAvailable(id));
+        QObject::connect(action, &QAction::triggered, menu, [sendCommand, id] {
+            if (sendCommand)
+                sendCommand(id);
+        });
+    }
+}
 
 } // namespace
 
-bool buildMenuBar(QMenuBar* menuBar, std::function<void(uint16_t)> sendCommand, std::function<bool(uint16_t)> isAvailable)
+bool buildMenuBar(QMenuBar* menuBar, QUndoStack& history, std::function<void(uint16_t)> sendCommand,
+    std::function<bool(uint16_t)> isAvailable)
 {
     if (!menuBar)
         return false;
-    for (const Menu& menu : kMenus) {
-        QMenu* dropDown = menuBar->addMenu(QString::fromLatin1(menu.title));
-        for (const MenuItem& item : menu.items) {
-            if (!item.text) {
-                dropDown->addSeparator();
-                continue;
-            }
-            QAction* action = dropDown->addAction(QString::fromLatin1(item.text));
-            const uint16_t id = item.commandId;
-            action->setData(id);
-            action->setEnabled(!isAvailable || isAvailable(id));
-            QObject::connect(action, &QAction::triggered, menuBar, [sendCommand, id] {
-                if (sendCommand)
-                    sendCommand(id);
-            });
-        }
-    }
+    QMenu* file = menuBar->addMenu(QStringLiteral("File"));
+    QMenu* newSong = file->addMenu(QStringLiteral("New"));
+    addItems(newSong, Menu { "New", { { "Empty", kEmptySongCommand } } }, sendCommand, isAvailable);
+    addItems(file, kFileMenu, sendCommand, isAvailable);
+
+    QMenu* edit = menuBar->addMenu(QStringLiteral("Edit"));
+    QAction* undo = history.createUndoAction(edit, QStringLiteral("Undo"));
+    undo->setShortcut(QKeySequence::Undo);
+    QAction* redo = history.createRedoAction(edit, QStringLiteral("Redo"));
+    redo->setShortcuts({ QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y) });
+    edit->addAction(undo);
+    edit->addAction(redo);
+
+    addItems(menuBar->addMenu(QStringLiteral("Tools")), kToolsMenu, sendCommand, isAvailable);
+    addItems(menuBar->addMenu(QStringLiteral("Help")), kHelpMenu, sendCommand, isAvailable);
     return true;
 }
 

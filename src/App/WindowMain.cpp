@@ -1,19 +1,31 @@
 #include "App/WindowMain.h"
 
+#include "App/Application.h"
 #include "App/DataFolders.h"
 #include "App/MainWindow.h"
-#include "App/StandInScreen.h"
+#include "App/WindowErrorPresenter.h"
 #include "GUI/Skin.h"
+#include "Sound/RtAudioDevice.h"
 #include "base/Path.h"
 
 #include <QApplication>
+#include <QScreen>
 
 namespace pulsara {
 
 namespace {
 
-constexpr int kStartWidth = 800;
-constexpr int kStartHeight = 600;
+// A 16-step pattern with all 40 tracks fits without scrolling at this size.
+constexpr int kStartWidth = 1200;
+constexpr int kStartHeight = 780;
+constexpr int kMinWidth = 640;
+constexpr int kMinHeight = 480;
+constexpr int kDefaultLatencyMs = 200;
+
+std::u16string demoSong()
+{
+    return dataFolder() + u"/Demo/zzzDemo.kqu";
+}
 
 } // namespace
 
@@ -22,6 +34,7 @@ int runWindow(int argc, char** argv, const std::u16string& songPath)
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Pulsara"));
     QApplication::setOrganizationName(QStringLiteral("Orvane"));
+    WindowErrorPresenter errors;
 
     Skin& skin = theSkin();
     std::u16string installDir = dataFolder();
@@ -30,13 +43,22 @@ int runWindow(int argc, char** argv, const std::u16string& songPath)
     skin.setInstallDir(installDir);
     skin.load();
 
-    // The song itself opens once the document commands arrive; the path is kept for them.
-    (void)songPath;
-    StandInScreen screen(skin);
-    MainWindow window(screen);
-    window.resize(kStartWidth, kStartHeight);
+    RtAudioDevice device;
+    Application app(skin, device);
+    app.initialise(kDefaultLatencyMs);
+    app.loadSongFile(songPath.empty() ? demoSong() : songPath);
+
+    MainWindow window(app, app.edits().history());
+    errors.setOwner(&window);
+    window.setMinimumSize(kMinWidth, kMinHeight);
+    QSize size(kStartWidth, kStartHeight);
+    if (QScreen* screen = QApplication::primaryScreen())
+        size = size.boundedTo(screen->availableSize());
+    window.resize(size);
     window.show();
-    return application.exec();
+    int status = application.exec();
+    errors.setOwner(nullptr);
+    return status;
 }
 
 } // namespace pulsara

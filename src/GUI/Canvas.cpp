@@ -1,5 +1,6 @@
 #include "GUI/Canvas.h"
 
+#include "GUI/CanvasTextEdit.h"
 #include "GUI/RootElement.h"
 #include "GUI/WindowMessage.h"
 
@@ -7,10 +8,14 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QMainWindow>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWheelEvent>
+
+#include <utility>
 
 namespace pulsara {
 
@@ -24,26 +29,20 @@ QString toQString(std::u16string_view text)
 // Virtual-key numbers of the keys whose number differs from Qt's.
 uintptr_t virtualKey(const QKeyEvent& event)
 {
-    switch (event.key()) {
-    case Qt::Key_Escape:
-        return kKeyEscape;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        return 13;
-    case Qt::Key_Space:
-        return 32;
-    case Qt::Key_Left:
-        return 37;
-    case Qt::Key_Up:
-        return 38;
-    case Qt::Key_Right:
-        return 39;
-    case Qt::Key_Down:
-        return 40;
-    default:
-        // Letters and digits share their numbers with Qt's keys.
-        return static_cast<uintptr_t>(event.key()) & 0xFFFF;
+    static const std::pair<int, VirtualKey> kKeys[] = {
+        { Qt::Key_Escape, kKeyEscape }, { Qt::Key_Return, kKeyReturn }, { Qt::Key_Enter, kKeyReturn },
+        { Qt::Key_Space, kKeySpace }, { Qt::Key_Left, kKeyLeft }, { Qt::Key_Up, kKeyUp },
+        { Qt::Key_Right, kKeyRight }, { Qt::Key_Down, kKeyDown }, { Qt::Key_PageUp, kKeyPageUp },
+        { Qt::Key_PageDown, kKeyPageDown }, { Qt::Key_Home, kKeyHome }, { Qt::Key_End, kKeyEnd },
+        { Qt::Key_Insert, kKeyInsert }, { Qt::Key_Delete, kKeyDelete }, { Qt::Key_Backspace, kKeyBackspace },
+        { Qt::Key_Tab, kKeyTab },
+    };
+    for (const auto& [qtKey, key] : kKeys) {
+        if (event.key() == qtKey)
+            return key;
     }
+    // Letters and digits share their numbers with Qt's keys; other keys have none here.
+    return event.key() < 0x80 ? static_cast<uintptr_t>(event.key()) : 0;
 }
 
 } // namespace
@@ -201,9 +200,38 @@ void Canvas::mouseMoveEvent(QMouseEvent* event)
     send(kMessageMouseMove, 0, packPosition(at.x(), at.y()));
 }
 
+void Canvas::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        mousePressEvent(event);
+        return;
+    }
+    QPoint at = event->position().toPoint();
+    send(kMessageLeftButtonDoubleClick, 0, packPosition(at.x(), at.y()));
+}
+
+void Canvas::wheelEvent(QWheelEvent* event)
+{
+    QPoint at = event->position().toPoint();
+    // A wheel that turns sideways (or Shift on some systems) reports on the x axis.
+    int delta = event->angleDelta().y() != 0 ? event->angleDelta().y() : event->angleDelta().x();
+    uint32_t keys = 0;
+    if (event->modifiers() & Qt::ShiftModifier || event->angleDelta().y() == 0)
+        keys |= kWheelShift;
+    if (event->modifiers() & Qt::ControlModifier)
+        keys |= kWheelControl;
+    send(kMessageMouseWheel, packWheel(delta, keys), packPosition(at.x(), at.y()));
+}
+
 void Canvas::keyPressEvent(QKeyEvent* event)
 {
-    send(kMessageKeyDown, virtualKey(*event), 0);
+    uintptr_t key = virtualKey(*event);
+    // Keys with Control or Alt belong to the menus' shortcuts, never to the editors or live play.
+    if (key == 0 || event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    send(kMessageKeyDown, key, event->isAutoRepeat() ? kKeyRepeatFlag : 0);
 }
 
 void Canvas::postQuit()
@@ -214,6 +242,45 @@ void Canvas::postQuit()
 void Canvas::showMessage(std::u16string_view text, std::u16string_view caption)
 {
     QMessageBox::information(this, toQString(caption), toQString(text));
+}
+
+void Canvas::setTitle(std::u16string_view title)
+{
+    window()->setWindowTitle(toQString(title));
+}
+
+uint32_t Canvas::trackPopupMenu(const std::vector<PopupMenuItem>& items, int32_t x, int32_t y)
+{
+    QMenu menu(this);
+    for (const PopupMenuItem& item : items) {
+        if (item.text.empty()) {
+            menu.addSeparator();
+            continue;
+        }
+        QAction* action = menu.addAction(toQString(item.text));
+        action->setData(item.commandId);
+        action->setCheckable(item.checked);
+        action->setChecked(item.checked);
+    }
+    QAction* chosen = menu.exec(mapToGlobal(QPoint(x, y)));
+    return chosen ? chosen->data().toUInt() : 0;
+}
+
+void Canvas::checkMenuItem(uint32_t commandId, bool checked)
+{
+    if (!frame_)
+        return;
+    for (QAction* action : frame_->menuBar()->findChildren<QAction*>()) {
+        if (action->data().isValid() && action->data().toUInt() == commandId) {
+            action->setCheckable(true);
+            action->setChecked(checked);
+        }
+    }
+}
+
+std::unique_ptr<PlatformTextEdit> Canvas::createTextEdit()
+{
+    return std::make_unique<CanvasTextEdit>(this);
 }
 
 } // namespace pulsara

@@ -39,6 +39,10 @@ public:
     bool hasStylusCapture() const override { return hasCapture_; }
     void postQuit() override;
     void showMessage(std::u16string_view text, std::u16string_view caption) override;
+    void setTitle(std::u16string_view) override;
+    uint32_t trackPopupMenu(const std::vector<PopupMenuItem>&, int32_t x, int32_t y) override;
+    void checkMenuItem(uint32_t commandId, bool checked) override;
+    std::unique_ptr<PlatformTextEdit> createTextEdit() override;
 
 protected:
     bool event(QEvent*) override;
@@ -48,6 +52,8 @@ protected:
     void mousePressEvent(QMouseEvent*) override;
     void mouseReleaseEvent(QMouseEvent*) override;
     void mouseMoveEvent(QMouseEvent*) override;
+    void mouseDoubleClickEvent(QMouseEvent*) override;
+    void wheelEvent(QWheelEvent*) override;
     void keyPressEvent(QKeyEvent*) override;
 
 private:

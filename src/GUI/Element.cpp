@@ -72,6 +72,16 @@ int Element::stylusMove(int32_t, int32_t)
     return 0;
 }
 
+int Element::stylusDoubleClick(int32_t x, int32_t y)
+{
+    return stylusDown(0, x, y);
+}
+
+int Element::mouseWheel(int32_t, int32_t, int32_t, uint32_t)
+{
+    return 0;
+}
+
 void Element::repaintNow(uint32_t mode)
 {
     if (!isVisible())

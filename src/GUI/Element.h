@@ -48,6 +48,11 @@ public:
     virtual int stylusDown(int button, int32_t x, int32_t y);
     virtual int stylusUp(int button, int32_t x, int32_t y);
     virtual int stylusMove(int32_t x, int32_t y);
+    // A second press of the left button in quick succession; by default a plain stylus-down.
+    virtual int stylusDoubleClick(int32_t x, int32_t y);
+    // A turn of the mouse wheel over the element: `delta` in 120ths of a notch, positive away
+    // from the user; `keys` the wheel message's modifier bits. Return 0 when not handled.
+    virtual int mouseWheel(int32_t x, int32_t y, int32_t delta, uint32_t keys);
 
     // Paints the element at once, outside the window's paint cycle, when it is visible.
     void repaintNow(uint32_t mode);

@@ -65,11 +65,9 @@ int ElementContainer::stylusDown(int button, int32_t x, int32_t y)
         capturedChild_ = kNoCapture;
         return 1;
     }
-    for (Element* child = firstChild_; child; child = child->nextSibling()) {
-        if (child->isVisible() && child->rect()->contains(x, y)) {
-            capturedChild_ = child;
-            return child->stylusDown(button, x, y);
-        }
+    if (Element* child = childAt(x, y)) {
+        capturedChild_ = child;
+        return child->stylusDown(button, x, y);
     }
     capturedChild_ = kNoCapture;
     return 0;
@@ -91,6 +89,36 @@ int ElementContainer::stylusMove(int32_t x, int32_t y)
     if (hasCapture())
         return capturedChild_->stylusMove(x, y);
     return 0;
+}
+
+int ElementContainer::stylusDoubleClick(int32_t x, int32_t y)
+{
+    if (overlay_ && ((overlay_->flags() & kExclusive) || overlay_->rect()->contains(x, y))) {
+        overlay_->stylusDoubleClick(x, y);
+        return 1;
+    }
+    if (overlay_)
+        return stylusDown(0, x, y);
+    Element* child = childAt(x, y);
+    capturedChild_ = child ? child : kNoCapture;
+    return child ? child->stylusDoubleClick(x, y) : 0;
+}
+
+int ElementContainer::mouseWheel(int32_t x, int32_t y, int32_t delta, uint32_t keys)
+{
+    if (overlay_)
+        return overlay_->mouseWheel(x, y, delta, keys);
+    Element* child = childAt(x, y);
+    return child ? child->mouseWheel(x, y, delta, keys) : 0;
+}
+
+Element* ElementContainer::childAt(int32_t x, int32_t y) const
+{
+    for (Element* child = firstChild_; child; child = child->nextSibling()) {
+        if (child->isVisible() && child->rect()->contains(x, y))
+            return child;
+    }
+    return nullptr;
 }
 
 void ElementContainer::onTapOutsideOverlay(int, int32_t, int32_t)

@@ -26,6 +26,10 @@ public:
     int stylusDown(int button, int32_t x, int32_t y) override;
     int stylusUp(int button, int32_t x, int32_t y) override;
     int stylusMove(int32_t x, int32_t y) override;
+    int stylusDoubleClick(int32_t x, int32_t y) override;
+    // Goes to the overlay, else to the first visible child under the point; capture is not
+    // involved, since the wheel belongs to whatever lies under the pointer.
+    int mouseWheel(int32_t x, int32_t y, int32_t delta, uint32_t keys) override;
     void collectChanged(QRegion&) const override;
 
 protected:
@@ -34,6 +38,9 @@ protected:
     // Paints the children (and the overlay) as the container's paint does, without touching the
     // container's own dirty bit; for containers that draw a background first.
     int paintChildren(DeviceContext*, uint32_t mode);
+
+    // The first visible child whose rectangle holds the point, or null.
+    Element* childAt(int32_t x, int32_t y) const;
 
 private:
     bool hasCapture() const { return capturedChild_ && capturedChild_ != kNoCapture; }

@@ -11,6 +11,8 @@ namespace pulsara {
 
 namespace {
 
+FileDialogHook dialogHook;
+
 QString toQString(std::u16string_view text)
 {
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
@@ -65,8 +67,15 @@ std::u16string dialogStartFolder(const PathString& path)
     return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation).toStdU16String();
 }
 
+void setFileDialogHook(FileDialogHook hook)
+{
+    dialogHook = std::move(hook);
+}
+
 int chooseOpenFile(FilePath& path)
 {
+    if (dialogHook)
+        return dialogHook(FileDialogKind::Open, path);
     QFileDialog dialog(path.owner);
     prepare(dialog, path);
     dialog.setFileMode(QFileDialog::ExistingFile);
@@ -81,6 +90,8 @@ int chooseOpenFile(FilePath& path)
 
 int chooseSaveFile(FilePath& path)
 {
+    if (dialogHook)
+        return dialogHook(FileDialogKind::Save, path);
     QFileDialog dialog(path.owner);
     prepare(dialog, path);
     dialog.setFileMode(QFileDialog::AnyFile);
@@ -98,6 +109,8 @@ int chooseSaveFile(FilePath& path)
 
 int chooseFolder(FilePath& path)
 {
+    if (dialogHook)
+        return dialogHook(FileDialogKind::Folder, path);
     QFileDialog dialog(path.owner, QStringLiteral("Open Folder"));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setOption(QFileDialog::ShowDirsOnly);

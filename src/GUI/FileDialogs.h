@@ -2,6 +2,8 @@
 
 #include "GUI/FilePath.h"
 
+#include <functional>
+
 namespace pulsara {
 
 // The three file dialogs. Each returns 1 when the user chose something (the FilePath then holds
@@ -14,6 +16,13 @@ int chooseOpenFile(FilePath&);
 int chooseSaveFile(FilePath&);
 // A folder, in a dialog titled "Open Folder".
 int chooseFolder(FilePath&);
+
+enum class FileDialogKind { Open, Save, Folder };
+
+// Answers the dialogs instead of a person (tests): called with the dialog's kind and the path,
+// it returns what the dialog would. An empty function restores the real dialogs.
+using FileDialogHook = std::function<int(FileDialogKind, FilePath&)>;
+void setFileDialogHook(FileDialogHook);
 
 // The folder a dialog for this path opens in: the path's own folder when it names one, else the
 // user's documents folder.

@@ -1,8 +1,12 @@
 #pragma once
 
 #include "GUI/ElemRect.h"
+#include "GUI/PlatformTextEdit.h"
+#include "GUI/PopupMenuItem.h"
 
+#include <memory>
 #include <string_view>
+#include <vector>
 
 class QRegion;
 
@@ -39,6 +43,16 @@ public:
     // Ends the message loop.
     virtual void postQuit() = 0;
     virtual void showMessage(std::u16string_view text, std::u16string_view caption) = 0;
+
+    // The text of the window's title bar.
+    virtual void setTitle(std::u16string_view) = 0;
+    // Shows a pop-up menu with its top-left corner at the client point and waits for the
+    // choice: the chosen item's command, or 0 when the menu was dismissed.
+    virtual uint32_t trackPopupMenu(const std::vector<PopupMenuItem>&, int32_t x, int32_t y) = 0;
+    // Sets the check mark of the menu item that sends the command.
+    virtual void checkMenuItem(uint32_t commandId, bool checked) = 0;
+    // A text box laid over the client area, hidden until shown.
+    virtual std::unique_ptr<PlatformTextEdit> createTextEdit() = 0;
 };
 
 } // namespace pulsara

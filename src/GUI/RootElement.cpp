@@ -51,6 +51,14 @@ intptr_t RootElement::handleMessage(uint32_t message, uintptr_t wParam, intptr_t
             window_->captureStylus();
         stylusDown(message == kMessageLeftButtonDown ? 0 : 1, positionX(lParam), positionY(lParam));
         return 0;
+    case kMessageLeftButtonDoubleClick:
+        if (window_)
+            window_->captureStylus();
+        stylusDoubleClick(positionX(lParam), positionY(lParam));
+        return 0;
+    case kMessageMouseWheel:
+        mouseWheel(positionX(lParam), positionY(lParam), wheelDelta(wParam), wheelKeys(wParam));
+        return 0;
     case kMessageLeftButtonUp:
     case kMessageRightButtonUp:
         if (!window_ || !window_->hasStylusCapture())

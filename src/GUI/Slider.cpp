@@ -86,6 +86,8 @@ int Slider::stylusDown(int, int32_t x, int32_t y)
 {
     dragging_ = true;
     redraw();
+    if (onPress)
+        onPress();
     moveTo(x, y);
     return 1;
 }
@@ -105,6 +107,8 @@ int Slider::stylusUp(int, int32_t x, int32_t y)
     moveTo(x, y);
     dragging_ = false;
     redraw();
+    if (onRelease)
+        onRelease();
     return 1;
 }
 

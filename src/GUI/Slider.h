@@ -29,6 +29,9 @@ public:
 
     // Called when the user moved the knob.
     std::function<void(double value)> onChange;
+    // Called when a drag starts and when it ends, so that the owner can treat it as one change.
+    std::function<void()> onPress;
+    std::function<void()> onRelease;
 
     int paint(DeviceContext*, uint32_t mode) override;
     int stylusDown(int button, int32_t x, int32_t y) override;

@@ -4,10 +4,35 @@
 
 #include <QRegion>
 
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace pulsara::test {
+
+// A text box that holds its text; tests finish it as a user would.
+class FakeTextEdit : public PlatformTextEdit {
+public:
+    ElemRect geometry;
+    std::u16string content;
+    bool shown = false;
+
+    void setGeometry(const ElemRect& rect) override { geometry = rect; }
+    void setText(std::u16string_view text) override { content = text; }
+    std::u16string text() const override { return content; }
+    void setMaxLength(int32_t) override { }
+    void show() override { shown = true; }
+    void hide() override { shown = false; }
+    bool isShown() const override { return shown; }
+    // Return (accepted) or Escape.
+    void finish(bool accepted)
+    {
+        shown = false;
+        if (onFinished)
+            onFinished(accepted);
+    }
+};
 
 // A window that records what the root asks of it.
 class FakeWindow : public NativeWindow {
@@ -42,6 +67,28 @@ public:
     {
         calls.push_back("message " + std::string(text.begin(), text.end()) + " / " + std::string(caption.begin(), caption.end()));
     }
+    void setTitle(std::u16string_view text) override { title = text; }
+    uint32_t trackPopupMenu(const std::vector<PopupMenuItem>& items, int32_t x, int32_t y) override
+    {
+        popupItems = items;
+        popupAt = { x, y, 0, 0 };
+        return popupChoice;
+    }
+    void checkMenuItem(uint32_t id, bool checked) override { checkedItems[id] = checked; }
+    std::unique_ptr<PlatformTextEdit> createTextEdit() override
+    {
+        auto edit = std::make_unique<FakeTextEdit>();
+        textEdit = edit.get();
+        return edit;
+    }
+
+    std::u16string title;
+    // The command the next pop-up menu answers with (0: dismissed), and what it showed.
+    uint32_t popupChoice = 0;
+    std::vector<PopupMenuItem> popupItems;
+    ElemRect popupAt;
+    std::map<uint32_t, bool> checkedItems;
+    FakeTextEdit* textEdit = nullptr;
 };
 
 } // namespace pulsara::test

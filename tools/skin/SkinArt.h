@@ -15,12 +15,14 @@
 //   The button height, 36, is the unit height of the window's top rows.
 // - Meters (level.bmp, cpu.bmp) are 100 x 16: the unlit bar over the lit bar, 8 rows each, with
 //   20 segments of 5 pixels; a meter shows whole segments of the lit bar over the unlit one.
-// - Step strips (stepsPat.bmp, stepsPlst.bmp) hold (C + 2) x 2 = 12 cell images of 28 x 24 side
+// - Step strips (stepsPat.bmp, stepsPlst.bmp) hold (C + 2) x 2 = 12 cell images of 28 x 16 side
 //   by side, C = 4 row colours: 0 and 1 the ruler, 2 and 3 the empty cell, then two per row
 //   colour. Of each pair the first is for even beats and the second, lighter, for odd beats.
 // - piano.bmp is one octave of 7 white keys of 20 x 40 (140 x 40), the plain keyboard over the
-//   same keyboard with every key lit (140 x 80). octave.bmp holds the digits 1 to 8 in cells of
-//   24 x 24, plain over lit (192 x 48).
+//   same keyboard with every key lit (140 x 80). A black key follows every white key but the
+//   third and the seventh, starting two thirds into it, two thirds of a white key wide and three
+//   fifths of its height. octave.bmp holds the digits 1 to 8 in cells of 20 x 20, plain over lit
+//   (160 x 40).
 namespace skin {
 
 constexpr int kFrameSize = 32;
@@ -34,10 +36,10 @@ constexpr int kMeterBarHeight = 8;
 constexpr int kMeterSegments = 20;
 constexpr int kStepColours = 4;
 constexpr int kCellWidth = 28;
-constexpr int kCellHeight = 24;
+constexpr int kCellHeight = 16;
 constexpr int kKeyWidth = 20;
 constexpr int kKeyHeight = 40;
-constexpr int kOctaveCell = 24;
+constexpr int kOctaveCell = 20;
 constexpr int kOctaves = 8;
 
 QImage drawPanel();

@@ -1,0 +1,582 @@
+#include "App/Application.h"
+
+#include "App/ConsoleReporting.h"
+#include "App/DataFolders.h"
+#include "GUI/NativeWindow.h"
+#include "GUI/Skin.h"
+#include "GUI/WindowMessage.h"
+#include "Sound/SongFile.h"
+#include "base/text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace pulsara {
+
+namespace {
+
+constexpr std::u16string_view kLiveKeysFirstRow = u"1234567890QWERTYUIOP";
+constexpr std::u16string_view kLiveKeysSecondRow = u"ASDFGHJKLZXCVBNM";
+constexpr uint32_t kFirstTrackOfSecondRow = 20;
+constexpr int32_t kGap = 6;
+constexpr int32_t kValueTipWidth = 96;
+constexpr int32_t kDisplayInset = 4;
+constexpr uint32_t kAllScopes = 0xFFFFFFFF;
+
+QFont shellFont(int pixels, bool bold)
+{
+    QFont font(QStringLiteral("Liberation Sans"));
+    font.setPixelSize(pixels);
+    font.setBold(bold);
+    return font;
+}
+
+std::u16string number(int64_t value)
+{
+    return fromUtf8(std::to_string(value));
+}
+
+std::u16string twoDigits(uint32_t value)
+{
+    std::u16string text = number(value);
+    return text.size() < 2 ? u"0" + text : text;
+}
+
+} // namespace
+
+Application::Application(Skin& skin, WaveDevice& device)
+    : skin_(skin)
+    , song_(AudioFormat { 44100, 32, 1 })
+    , edits_(song_)
+    , transport_(device, song_)
+    , mainEditor_(skin, edits_, *this)
+    , songProperties_(skin, edits_)
+    , topBar_(skin)
+    , livePanels_ { LiveRow(skin, song_, 0, kLiveKeysFirstRow), LiveRow(skin, song_, kFirstTrackOfSecondRow, kLiveKeysSecondRow) }
+{
+}
+
+Application::~Application()
+{
+    transport_.setMeterListener(nullptr);
+    transport_.close();
+}
+
+void Application::initialise(int latencyMs)
+{
+    const QFont displayFont = shellFont(15, true);
+    const QColor displayColour(0x2e, 0xc4, 0xb6);
+    counterDisplay_.setFrame(&skin_.panelD);
+    counterDisplay_.setFont(displayFont);
+    counterDisplay_.setColor(displayColour);
+    pairDisplay_.setFrame(&skin_.panelD);
+    pairDisplay_.setFont(displayFont);
+    pairDisplay_.setColor(displayColour);
+    counterDisplay_.setValue(1);
+    pairDisplay_.setValues(1, 1);
+
+    for (int32_t page = 0; page < 2; ++page) {
+        TextButton& button = pageButton(page);
+        button.setSkin(&skin_.panelBckD, &skin_.panelD);
+        button.setFont(shellFont(13, true));
+        button.onClick = [this, page] { showPage(page); };
+    }
+    pageButton0_.setPressed(true);
+    playButton_.setBitmap(&skin_.play);
+    playButton_.onChange = [this](bool pressed) { setPlaying(pressed); };
+
+    masterVolumeSlider_.setSkin(&skin_.vol, &skin_.panel, &skin_.back);
+    tempoSlider_.setSkin(&skin_.vol, &skin_.panel, &skin_.back);
+    masterVolumeSlider_.setStep(0.01);
+    tempoSlider_.setStep(1.0 / kMaxTempo);
+    // Both knobs stand upside down: the top is the loudest and the fastest.
+    masterVolumeSlider_.onPress = [this] { edits_.beginGesture(u"Change master volume"); };
+    masterVolumeSlider_.onChange = [this](double knob) {
+        edits_.setMasterVolume(float(1.0 - knob));
+        showValueTip(masterVolumeSlider_, u"Volume " + number(std::lround((1.0 - knob) * 100.0)) + u"%");
+    };
+    tempoSlider_.onPress = [this] { edits_.beginGesture(u"Change tempo"); };
+    tempoSlider_.onChange = [this](double knob) {
+        float tempo = std::max(1.0f, std::round(float(1.0 - knob) * kMaxTempo));
+        edits_.setTempo(tempo);
+        showValueTip(tempoSlider_, u"Tempo " + number(std::lround(tempo)));
+    };
+    for (Slider* slider : { &masterVolumeSlider_, &tempoSlider_ }) {
+        slider->onRelease = [this] {
+            edits_.endGesture();
+            hideValueTip();
+        };
+    }
+
+    valueTip_.setFrame(&skin_.panelD);
+    valueTipText_.setFont(shellFont(13, true));
+    valueTipText_.setColor(displayColour);
+    valueTip_.addChild(&valueTipText_);
+    valueTip_.setVisible(false);
+
+    topBar_.onMoveMode = [this](bool on) { mainEditor_.setMoveMode(on); };
+    for (LiveRow& row : livePanels_) {
+        row.onTrigger = [this](int32_t track) {
+            transport_.triggerLive(track);
+            for (LiveRow& lit : livePanels_)
+                lit.light(track, Timer::tickCount() + LiveRow::kLitMs);
+        };
+    }
+    songProperties_.onClose = [this] { clearOverlay(); };
+    for (int32_t page = 0; page < 2; ++page)
+        mainEditor_.grid(page).onActivated = [this, page] { focusedEditor_ = uint16_t(page); };
+
+    // The value tip goes first so that it is drawn over the controls it stands beside.
+    for (Element* child : std::initializer_list<Element*> { &valueTip_, &mainEditor_, &tempoSlider_, &pageButton0_, &pageButton1_,
+             &masterVolumeSlider_, &playButton_, &counterDisplay_, &pairDisplay_, &topBar_, &livePanels_[0], &livePanels_[1] })
+        addChild(child);
+
+    edits_.onApplied = [this](EditScope scope, bool fromHistory) { onEditApplied(scope, fromHistory); };
+    edits_.onCleanChanged = [this](bool clean) {
+        if (clean)
+            documentFlags_ &= ~kDirtyFlag;
+        else
+            documentFlags_ |= kDirtyFlag;
+        updateTitle();
+    };
+
+    setInterpolation(interpolation_);
+    transport_.setDocumentFlags(documentFlags_ | kReleaseDeviceFlag);
+    transport_.open(latencyMs);
+    transport_.setMeterListener(this);
+    mainEditor_.patternPage().instrumentPanel().setSamplesFolder(samplesFolder());
+    newEmptySong();
+}
+
+// Documents.
+
+void Application::newEmptySong()
+{
+    song_.reset();
+    song_.player().setSongPosition(0);
+    setTempo(Song::kStartTempo);
+    setMasterVolume(Song::kStartVolume);
+    edits_.forgetHistory();
+    songPath_.clear();
+    songName_.clear();
+    documentFlags_ = (documentFlags_ & ~(kDirtyFlag | kDirtyAfterLoadFlag | kSkipQuestionsFlag)) | kUntitledFlag;
+    setTopBarMode(kSongMode);
+    mainEditor_.setPattern(0);
+    refreshViews();
+    mainEditor_.scrollHome();
+}
+
+int Application::loadSongFile(std::u16string_view path)
+{
+    std::u16string songPath(path);
+    ConsoleSampleLocator locator(songPath, samplesFolder());
+    if (songPath.empty() || !loadSong(song_, songPath, locator)) {
+        newEmptySong();
+        return 0;
+    }
+    songPath_ = songPath;
+    edits_.forgetHistory();
+    documentFlags_ &= ~(kUntitledFlag | kSkipQuestionsFlag | kDirtyFlag);
+    if (documentFlags_ & kDirtyAfterLoadFlag) {
+        documentFlags_ &= ~kDirtyAfterLoadFlag;
+        edits_.markUnsaved();
+        markDirty();
+    }
+    song_.player().setSongPosition(0);
+    setTopBarMode(kSongMode);
+    mainEditor_.setPattern(uint32_t(std::clamp(song_.view(0).value, 0, int32_t(Song::kPatterns) - 1)));
+    refreshViews();
+    mainEditor_.scrollHome();
+    showPage(song_.editorShown() == 1 ? 1 : 0);
+    return 1;
+}
+
+void Application::markDirty()
+{
+    if (documentFlags_ & kDirtyFlag)
+        return;
+    documentFlags_ |= kDirtyFlag;
+    updateTitle();
+}
+
+void Application::updateTitle()
+{
+    const std::u16string mark = documentFlags_ & kDirtyFlag ? u"*" : u"";
+    if (documentFlags_ & kUntitledFlag) {
+        titleText_ = u"Pulsara - Untitled" + mark;
+    } else {
+        // The name runs from the last separator to the first dot after it.
+        std::u16string_view path = songPath_;
+        size_t slash = path.find_last_of(u"/\\");
+        std::u16string_view name = slash == std::u16string_view::npos ? path : path.substr(slash + 1);
+        songName_ = std::u16string(name.substr(0, name.find(u'.')));
+        titleText_ = u"Pulsara - " + songName_ + mark;
+    }
+    topBar_.setSongName(documentFlags_ & kUntitledFlag ? u"Untitled" + mark : songName_ + mark);
+    if (NativeWindow* window = windowHandle())
+        window->setTitle(titleText_);
+}
+
+// The song's numbers and their sliders.
+
+void Application::setTempo(float beatsPerMinute)
+{
+    song_.player().setTempo(beatsPerMinute);
+    tempoSlider_.setValue(1.0 - song_.player().tempo() / kMaxTempo);
+}
+
+void Application::setMasterVolume(float volume)
+{
+    song_.player().setVolume(volume);
+    masterVolumeSlider_.setValue(1.0 - volume);
+}
+
+void Application::refreshSliders()
+{
+    if (!tempoSlider_.isDragging())
+        tempoSlider_.setValue(1.0 - song_.player().tempo() / kMaxTempo);
+    if (!masterVolumeSlider_.isDragging())
+        masterVolumeSlider_.setValue(1.0 - song_.player().volume());
+}
+
+void Application::setInterpolation(bool on)
+{
+    song_.setInterpolation(on ? Interpolation::Linear : Interpolation::None);
+    interpolation_ = on;
+}
+
+void Application::showValueTip(const Slider& slider, std::u16string text)
+{
+    const ElemRect& at = *slider.rect();
+    const ElemRect tip { at.x - kValueTipWidth - 2, at.y + kDisplayInset, kValueTipWidth, at.height - 2 * kDisplayInset };
+    if (!valueTip_.isVisible() || !(*valueTip_.rect() == tip)) {
+        valueTip_.layout(tip);
+        valueTipText_.layout(tip);
+        valueTip_.setVisible(true);
+    }
+    valueTipText_.setText(std::move(text));
+    valueTip_.redraw();
+}
+
+void Application::hideValueTip()
+{
+    valueTip_.setVisible(false);
+    invalidateRect(*valueTip_.rect());
+}
+
+// Views.
+
+void Application::refreshViews()
+{
+    refreshSliders();
+    mainEditor_.refresh(kAllScopes);
+    PatternPage& page = mainEditor_.patternPage();
+    int32_t row = std::max(0, page.editor().selectedRow());
+    page.instrumentPanel().showInstrument(page.editor().trackOfRow(row), page.editor().rowLabel(row));
+    for (LiveRow& liveRow : livePanels_)
+        liveRow.redraw();
+    updateTitle();
+    followPlayback();
+}
+
+void Application::onEditApplied(uint32_t scope, bool fromHistory)
+{
+    if (fromHistory) {
+        mainEditor_.refresh(scope);
+        refreshSliders();
+    } else if (scope & kScopePatternLength) {
+        mainEditor_.refresh(kScopePatternLength);
+    } else if (scope & kScopePatternNames) {
+        mainEditor_.patternPage().selector().redraw();
+    }
+    if (scope & kScopeInstruments) {
+        mainEditor_.patternPage().editor().redraw();
+        for (LiveRow& row : livePanels_)
+            row.redraw();
+    }
+}
+
+void Application::setTopBarMode(int32_t mode)
+{
+    topBarMode_ = mode;
+    switch (mode) {
+    case kPatternMode:
+        topBar_.setModeText(u"Pattern " + twoDigits(mainEditor_.pattern() + 1));
+        break;
+    case kTrackMode: {
+        int32_t row = mainEditor_.patternPage().editor().selectedRow();
+        topBar_.setModeText(u"Track " + twoDigits(uint32_t(std::max(0, row)) + 1));
+        break;
+    }
+    default:
+        topBar_.setModeText(u"Song");
+    }
+}
+
+void Application::showPage(int32_t page)
+{
+    pageButton0_.setPressed(page == 0);
+    pageButton1_.setPressed(page == 1);
+    mainEditor_.showPage(page);
+    song_.setEditorShown(page);
+    focusedEditor_ = uint16_t(page);
+}
+
+void Application::showSongProperties()
+{
+    songProperties_.showSong();
+    songProperties_.layout({ rect_.x + 10, rect_.y + (rect_.height - PatternLengthPanel::kHeight) / 2, rect_.width - 20,
+        PatternLengthPanel::kHeight });
+    setOverlay(&songProperties_);
+}
+
+void Application::onTapOutsideOverlay(int, int32_t, int32_t)
+{
+    clearOverlay();
+}
+
+void Application::toggleLiveact()
+{
+    setTopBarMode(kSongMode);
+    liveact_ = !liveact_;
+    checkMenuItem(kLiveactCommand, liveact_);
+    transport_.setLiveMode(liveact_);
+    layout(rect_);
+    invalidateRect(rect_);
+}
+
+void Application::checkMenuItem(uint32_t command, bool checked)
+{
+    if (NativeWindow* window = windowHandle())
+        window->checkMenuItem(command, checked);
+}
+
+// Playback.
+
+void Application::setPlaying(bool on)
+{
+    if (on == transport_.isPlaying())
+        return;
+    if (on) {
+        if (!transport_.play())
+            playButton_.setPressed(false);
+    } else {
+        transport_.stopPlaying();
+    }
+    playButton_.setPressed(transport_.isPlaying());
+}
+
+void Application::moveToSongPosition(int32_t position)
+{
+    song_.player().setSongPosition(position);
+    song_.player().PatternPlayer::seek(0);
+    followPlayback();
+}
+
+void Application::moveToStep(int32_t step)
+{
+    SongPlayer& player = song_.player();
+    player.PatternPlayer::seek(static_cast<uint64_t>(step * player.framesPerStep()));
+    followPlayback();
+}
+
+void Application::setPlayedPattern(int32_t pattern)
+{
+    if (pattern == song_.player().mode())
+        return;
+    song_.player().setMode(pattern);
+}
+
+void Application::loadSampleSafely(const std::function<void()>& load)
+{
+    const bool restart = !liveact_ && transport_.isRunning();
+    if (restart)
+        transport_.WaveOutStream::stop();
+    load();
+    if (restart)
+        transport_.start();
+}
+
+void Application::followPlayback()
+{
+    const SongPlayer& player = song_.player();
+    if (playButton_.isPressed() != player.isPlaying())
+        playButton_.setPressed(player.isPlaying());
+    const int32_t position = std::max(0, player.songPosition());
+    const int32_t step = int32_t(player.currentStep());
+    const uint32_t pattern = mainEditor_.pattern();
+    counterDisplay_.setValue(position + 1);
+    pairDisplay_.setValues(int32_t(pattern) + 1, step + 1);
+    // The pattern page marks the step only while its pattern is the one sounding.
+    const bool patternSounds = player.mode() == int32_t(pattern)
+        || (player.mode() == SongPlayer::kSongMode && player.playlist().isOn(pattern, uint32_t(position)));
+    mainEditor_.patternPage().editor().setPlayColumn(patternSounds ? step : -1);
+    mainEditor_.playlist().setPlayColumn(player.mode() == SongPlayer::kSongMode ? position : -1);
+    topBar_.setClipped(transport_.isClipped());
+    const uint32_t now = Timer::tickCount();
+    for (LiveRow& row : livePanels_)
+        row.tick(now);
+}
+
+void Application::onPeaks(float left, float right)
+{
+    topBar_.leftMeter().setValue(std::fabs(left));
+    topBar_.rightMeter().setValue(std::fabs(right));
+}
+
+void Application::onCpuLoad(float load)
+{
+    topBar_.cpuMeter().setValue(load);
+}
+
+// Layout and painting.
+
+void Application::layout(const ElemRect& rect)
+{
+    RootElement::layout(rect);
+    const int32_t x = rect.x, y = rect.y, w = rect.width, h = rect.height;
+    const int32_t live = liveact_ ? kLiveRowHeight : 0;
+    livePanels_[0].setVisible(liveact_);
+    livePanels_[1].setVisible(liveact_);
+    const int32_t unit = topBar_.unitHeight();
+    topBar_.layout({ x, y, w, unit });
+
+    const int32_t row = y + unit;
+    pageButton0_.layout({ x, row, kPageButtonWidth, unit });
+    pageButton1_.layout({ pageButton0_.rect()->right(), row, kPageButtonWidth, unit });
+    tempoSlider_.layout({ x + w - kTempoSliderWidth, row, kTempoSliderWidth, unit });
+    masterVolumeSlider_.layout({ tempoSlider_.rect()->x - kTempoSliderWidth, row, kTempoSliderWidth, unit });
+    playButton_.place(masterVolumeSlider_.rect()->x - playButton_.stateWidth(), row);
+
+    // The counter and the pair display share the room between the page buttons and the play
+    // button; the pair display goes first when it runs short.
+    const int32_t counterWidth = counterDisplay_.preferredWidth();
+    const int32_t displayHeight = unit - 2 * kDisplayInset;
+    const int32_t room = playButton_.rect()->x - pageButton1_.rect()->right();
+    counterDisplay_.setVisible(room >= counterWidth);
+    pairDisplay_.setVisible(room >= 2 * counterWidth);
+    int32_t counterRight = playButton_.rect()->x - kDisplayInset;
+    if (pairDisplay_.isVisible()) {
+        pairDisplay_.layout({ counterRight - counterWidth, row + kDisplayInset, counterWidth, displayHeight });
+        counterRight = pairDisplay_.rect()->x - kGap;
+        if (counterRight - counterWidth < pageButton1_.rect()->right()) {
+            pairDisplay_.setVisible(false);
+            counterRight = playButton_.rect()->x - kDisplayInset;
+        }
+    }
+    counterDisplay_.layout({ counterRight - counterWidth, row + kDisplayInset, counterWidth, displayHeight });
+
+    mainEditor_.layout({ x, y + 2 * unit, w, std::max(0, h - 2 * (unit + live)) });
+    livePanels_[0].layout({ x, y + h - 2 * live, w, live });
+    livePanels_[1].layout({ x, y + h - live, w, live });
+    songProperties_.layout({ x + 10, y + (h - PatternLengthPanel::kHeight) / 2, w - 20, PatternLengthPanel::kHeight });
+    if (valueTip_.isVisible())
+        hideValueTip();
+}
+
+int Application::paint(DeviceContext* dc, uint32_t mode)
+{
+    if (mustDraw(mode)) {
+        // The control row's background; every other part of the window is covered by a child.
+        const int32_t unit = topBar_.unitHeight();
+        skin_.back.setDestination(dc);
+        skin_.back.drawRect(rect_.x, rect_.y + unit, rect_.width, unit);
+    }
+    return RootElement::paint(dc, mustDraw(mode) ? kPaintAll : mode);
+}
+
+// Messages.
+
+intptr_t Application::onCreate(NativeWindow* window)
+{
+    intptr_t result = RootElement::onCreate(window);
+    checkMenuItem(kLiveactCommand, liveact_);
+    updateTitle();
+    followTimer_.setTimer(kFollowPeriodMs);
+    return result;
+}
+
+intptr_t Application::handleMessage(uint32_t message, uintptr_t wParam, intptr_t lParam)
+{
+    if (message == kMessageKeyDown && liveact_) {
+        int32_t track = Transport::liveTrackForKey(uint32_t(wParam));
+        // A held key plays its pad once, not once per automatic repeat.
+        if (track >= 0 && (lParam & kKeyRepeatFlag))
+            return 0;
+        if (track >= 0) {
+            for (LiveRow& row : livePanels_)
+                row.light(track, Timer::tickCount() + LiveRow::kLitMs);
+        }
+    }
+    if (transport_.filterMessage(message, wParam, lParam))
+        return 0;
+    switch (message) {
+    case kMessageKeyDown:
+        handleKey(uint32_t(wParam), lParam);
+        if (wParam == kKeyEscape && overlay()) {
+            clearOverlay();
+            return 0;
+        }
+        return RootElement::handleMessage(message, wParam, lParam);
+    case kMessageCommand:
+        handleCommand(uint32_t(wParam) & 0xFFFF);
+        return 0;
+    default:
+        return RootElement::handleMessage(message, wParam, lParam);
+    }
+}
+
+void Application::handleKey(uint32_t key, intptr_t)
+{
+    if (key == kKeySpace) {
+        setPlaying(!transport_.isPlaying());
+        return;
+    }
+    if (focusedEditor_ > 1 || overlay())
+        return;
+    StepGridView& grid = mainEditor_.grid(focusedEditor_);
+    switch (key) {
+    case kKeyLeft:
+        grid.moveCursor(-1, 0);
+        break;
+    case kKeyUp:
+        grid.moveCursor(0, -1);
+        break;
+    case kKeyRight:
+        grid.moveCursor(1, 0);
+        break;
+    case kKeyDown:
+        grid.moveCursor(0, 1);
+        break;
+    case kKeyReturn:
+        grid.toggleCursorCell();
+        break;
+    case kKeyDelete:
+        grid.clearCursorCell();
+        break;
+    case kKeyPageUp:
+        grid.scroll(0, -StepGridView::kScrollRows);
+        break;
+    case kKeyPageDown:
+        grid.scroll(0, StepGridView::kScrollRows);
+        break;
+    default:
+        break;
+    }
+}
+
+void Application::handleCommand(uint32_t id)
+{
+    switch (id) {
+    case kLiveactCommand:
+        toggleLiveact();
+        break;
+    case kSongPropertiesCommand:
+        showSongProperties();
+        break;
+    default:
+        mainEditor_.command(id);
+    }
+}
+
+} // namespace pulsara

@@ -1,0 +1,181 @@
+#pragma once
+
+#include "App/PairDisplay.h"
+#include "App/TopBar.h"
+#include "App/Transport.h"
+#include "GUI/BitmapButton.h"
+#include "GUI/FilePath.h"
+#include "GUI/FramePanel.h"
+#include "GUI/NumericDisplay.h"
+#include "GUI/RootElement.h"
+#include "GUI/Slider.h"
+#include "GUI/TextButton.h"
+#include "GUI/TextLabel.h"
+#include "GUI/Timer.h"
+#include "GUI/editors/EditorHost.h"
+#include "GUI/editors/LiveRow.h"
+#include "GUI/editors/MainEditor.h"
+#include "GUI/editors/PatternLengthPanel.h"
+#include "GUI/editors/SongEdits.h"
+#include "Sound/Song.h"
+
+#include <array>
+#include <string>
+
+namespace pulsara {
+
+class Skin;
+class WaveDevice;
+
+// The one object that owns everything else: the song and its edit history, the playback
+// transport, the editors, the control strip along the top and the live rows at the bottom. It
+// is the root of the element tree and the handler of every window message: the transport sees
+// each message first (live play), then menu commands, the keyboard and the framework's own
+// messages are handled here.
+//
+// GUI thread only, but for the meter notifications, which arrive on the audio device's thread.
+class Application : public RootElement, public EditorHost, private MeterListener {
+public:
+    // documentFlags
+    static constexpr uint32_t kDirtyFlag = 1;
+    static constexpr uint32_t kUntitledFlag = 2;
+    static constexpr uint32_t kSkipQuestionsFlag = 4;
+    static constexpr uint32_t kReleaseDeviceFlag = Transport::kReleaseDeviceFlag;
+    static constexpr uint32_t kDirtyAfterLoadFlag = 16;
+
+    static constexpr float kMaxTempo = 300.0f;
+    static constexpr int32_t kLiveRowHeight = 18;
+    static constexpr int32_t kTempoSliderWidth = 30;
+    static constexpr int32_t kPageButtonWidth = 84;
+    static constexpr uint32_t kFollowPeriodMs = 10;
+
+    enum Command : uint16_t {
+        kLiveactCommand = 40029,
+        kSongPropertiesCommand = 40033,
+    };
+
+    // The device is not owned; it plays what the transport renders.
+    Application(Skin&, WaveDevice&);
+    ~Application() override;
+
+    // Everything that needs no window: the controls' skins, the tree, the song set up as the
+    // program starts (tempo 150, master volume 0.7, 40 instruments at 0.7, an empty song).
+    void initialise(int latencyMs);
+    // Loads a song file as the command line does; a file that cannot be read leaves an empty
+    // song. Returns 1 when loaded.
+    int loadSongFile(std::u16string_view path);
+    // An empty, untitled song.
+    void newEmptySong();
+
+    void layout(const ElemRect&) override;
+    int paint(DeviceContext*, uint32_t mode) override;
+    intptr_t handleMessage(uint32_t message, uintptr_t wParam, intptr_t lParam) override;
+
+    // The song differs from its file: the dirty bit is set and the title shows it.
+    void markDirty();
+    void updateTitle();
+    void setTempo(float beatsPerMinute);
+    void setMasterVolume(float);
+    void setInterpolation(bool on);
+    void toggleLiveact();
+    void showSongProperties();
+    void showPage(int32_t page);
+    // Starts or stops playing, as the play button does.
+    void setPlaying(bool);
+
+    uint32_t documentFlags() const { return documentFlags_; }
+    bool isLiveact() const { return liveact_; }
+    const std::u16string& titleText() const { return titleText_; }
+    const std::u16string& songPath() const { return songPath_; }
+    uint16_t focusedEditor() const { return focusedEditor_; }
+    int32_t topBarMode() const { return topBarMode_; }
+
+    Song& song() { return song_; }
+    SongEdits& edits() { return edits_; }
+    Transport& transport() { return transport_; }
+    MainEditor& mainEditor() { return mainEditor_; }
+    TopBar& topBar() { return topBar_; }
+    TextButton& pageButton(int32_t page) { return page == 1 ? pageButton1_ : pageButton0_; }
+    BitmapButton& playButton() { return playButton_; }
+    Slider& masterVolumeSlider() { return masterVolumeSlider_; }
+    Slider& tempoSlider() { return tempoSlider_; }
+    NumericDisplay& counterDisplay() { return counterDisplay_; }
+    PairDisplay& pairDisplay() { return pairDisplay_; }
+    LiveRow& livePanel(int32_t row) { return livePanels_[row == 1 ? 1 : 0]; }
+    PatternLengthPanel& songProperties() { return songProperties_; }
+
+    // EditorHost
+    void setTopBarMode(int32_t) override;
+    void moveToSongPosition(int32_t position) override;
+    void moveToStep(int32_t step) override;
+    void setPlayedPattern(int32_t pattern) override;
+    void setFocusedEditor(uint16_t editor) override { focusedEditor_ = editor; }
+    bool isLiveMode() const override { return liveact_; }
+    void loadSampleSafely(const std::function<void()>& load) override;
+
+    // The displays and the rulers' play markers follow playback; the timer calls it.
+    void followPlayback();
+
+protected:
+    intptr_t onCreate(NativeWindow*) override;
+    void onTapOutsideOverlay(int button, int32_t x, int32_t y) override;
+
+private:
+    class FollowTimer : public Timer {
+    public:
+        explicit FollowTimer(Application& application) : application_(application) { }
+
+    protected:
+        int32_t onTimer() override
+        {
+            application_.followPlayback();
+            return 0;
+        }
+
+    private:
+        Application& application_;
+    };
+
+    // Device callback thread: no allocation, locks, I/O or logging.
+    void onPeaks(float left, float right) override;
+    void onCpuLoad(float load) override;
+
+    void handleKey(uint32_t key, intptr_t flags);
+    void handleCommand(uint32_t id);
+    void onEditApplied(uint32_t scope, bool fromHistory);
+    // Shows the whole song again (a new or loaded song).
+    void refreshViews();
+    void refreshSliders();
+    void showValueTip(const Slider&, std::u16string text);
+    void hideValueTip();
+    void checkMenuItem(uint32_t command, bool checked);
+
+    Skin& skin_;
+    Song song_;
+    SongEdits edits_;
+    Transport transport_;
+    MainEditor mainEditor_;
+    PatternLengthPanel songProperties_;
+    uint32_t documentFlags_ = 0;
+    bool interpolation_ = false;
+    bool liveact_ = false;
+    std::u16string songPath_;
+    std::u16string songName_;
+    std::u16string titleText_;
+    TopBar topBar_;
+    TextButton pageButton0_ { u"Pattern", TextButton::Kind::Latch };
+    TextButton pageButton1_ { u"Playlist", TextButton::Kind::Latch };
+    NumericDisplay counterDisplay_ { 3 };
+    PairDisplay pairDisplay_;
+    BitmapButton playButton_ { BitmapButton::Kind::Toggle };
+    Slider masterVolumeSlider_ { Slider::Orientation::Vertical };
+    Slider tempoSlider_ { Slider::Orientation::Vertical };
+    std::array<LiveRow, 2> livePanels_;
+    FramePanel valueTip_;
+    TextLabel valueTipText_ { {}, 3 };
+    uint16_t focusedEditor_ = 0;
+    int32_t topBarMode_ = kSongMode;
+    FollowTimer followTimer_ { *this };
+};
+
+} // namespace pulsara

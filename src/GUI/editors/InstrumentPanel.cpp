@@ -52,6 +52,7 @@ InstrumentPanel::InstrumentPanel(Skin& skin, SongEdits& edits, EditorHost& host)
     addChild(&openButton_);
     addChild(&clearButton_);
     addChild(&volume_);
+    refresh();
 }
 
 void InstrumentPanel::showInstrument(uint32_t slot, std::u16string caption)

@@ -1,0 +1,87 @@
+// The instrument panel: its volume, Open and Clear, each with its question or dialog.
+#include "EditorHarness.h"
+#include "GUI/FileDialogs.h"
+#include "GUI/ScriptedPrompts.h"
+#include "support/WavBuilder.h"
+
+#include <QUndoStack>
+#include <gtest/gtest.h>
+
+using namespace pulsara;
+using namespace pulsara::test;
+
+namespace {
+
+// Answers the open dialog with a path, or cancels it.
+struct ScriptedDialog {
+    explicit ScriptedDialog(std::u16string answer)
+    {
+        setFileDialogHook([this, answer](FileDialogKind kind, FilePath& path) {
+            started = std::u16string(path.view());
+            filter = path.filter;
+            if (answer.empty() || kind != FileDialogKind::Open)
+                return 0;
+            path.assign(answer);
+            return 1;
+        });
+    }
+    ~ScriptedDialog() { setFileDialogHook({}); }
+    std::u16string started;
+    const char16_t* filter = nullptr;
+};
+
+} // namespace
+
+TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
+{
+    TempWavFile kick(makeWav(1, 44100, 16, pcm16({ 1000, -1000 })), "Kick1.wav");
+    Editors editors;
+    Instrument& instrument = editors.song.instrument(0);
+    InstrumentPanel& panel = editors.editor.patternPage().instrumentPanel();
+    QUndoStack& history = editors.edits.history();
+    EXPECT_EQ(panel.percentText(), u"70%");
+
+    {
+        ScriptedDialog cancelled({});
+        panel.open();
+        EXPECT_EQ(std::u16string_view(cancelled.filter), u"PCM WaveFiles");
+        EXPECT_FALSE(instrument.sample().isLoaded());
+        EXPECT_EQ(history.count(), 0);
+    }
+    {
+        ScriptedDialog chosen(kick.path());
+        panel.open();
+        EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick.path());
+        EXPECT_EQ(panel.fileText(), u"Kick1.wav");
+        EXPECT_EQ(editors.host.sampleLoads, 1);
+        panel.open();
+        EXPECT_EQ(chosen.started, kick.path()) << "the dialog starts at the instrument's own file";
+    }
+
+    ScriptedPrompts answers({ PromptAnswer::No, PromptAnswer::Yes });
+    instrument.setVolume(0.5f);
+    panel.clear();
+    EXPECT_TRUE(instrument.sample().isLoaded()) << "No keeps the instrument";
+    panel.clear();
+    ASSERT_EQ(answers.asked.size(), 2u);
+    EXPECT_EQ(answers.asked[0].text, u"Are you sure to clear this instrument?");
+    EXPECT_EQ(answers.asked[0].caption, u"Clear");
+    EXPECT_EQ(answers.asked[0].buttons, PromptButtons::YesNo);
+    EXPECT_FALSE(instrument.sample().isLoaded());
+    EXPECT_EQ(instrument.volume(), 0.7f);
+    history.undo();
+    EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick.path());
+    EXPECT_EQ(instrument.volume(), 0.5f);
+
+    // The slider's drag sets the volume in hundredths, as one step.
+    editors.paint();
+    const ElemRect& slider = *panel.volumeSlider().rect();
+    editors.press({ slider.x, slider.y + slider.height / 2 });
+    editors.move({ slider.x + slider.width / 2, slider.y + slider.height / 2 });
+    editors.release({ slider.right(), slider.y + slider.height / 2 });
+    EXPECT_EQ(instrument.volume(), 1.0f);
+    EXPECT_EQ(panel.percentText(), u"100%");
+    EXPECT_EQ(history.undoText().toStdString(), "Change instrument volume");
+    history.undo();
+    EXPECT_EQ(instrument.volume(), 0.5f);
+}

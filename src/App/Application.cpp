@@ -459,10 +459,6 @@ void Application::layout(const ElemRect& rect)
     if (pairDisplay_.isVisible()) {
         pairDisplay_.layout({ counterRight - counterWidth, row + kDisplayInset, counterWidth, displayHeight });
         counterRight = pairDisplay_.rect()->x - kGap;
-        if (counterRight - counterWidth < pageButton1_.rect()->right()) {
-            pairDisplay_.setVisible(false);
-            counterRight = playButton_.rect()->x - kDisplayInset;
-        }
     }
     counterDisplay_.layout({ counterRight - counterWidth, row + kDisplayInset, counterWidth, displayHeight });
 

@@ -55,6 +55,27 @@ void Transport::close()
     stop();
 }
 
+void Transport::moveToSongPosition(int32_t position)
+{
+    // Only a Playing stream renders: the others have no fill that could run now.
+    if (isRunning())
+        song_.player().requestSongPosition(position);
+    else
+        song_.player().moveToSongPosition(position);
+}
+
+void Transport::changeFormat(AudioFormat format)
+{
+    bool running = isRunning();
+    // The stream reads the format record while it is open, and its buffers are sized for it.
+    if (state() != StreamState::Closed)
+        stop();
+    song_.setFormat(format);
+    setFormat(&song_.format());
+    if (running)
+        start();
+}
+
 bool Transport::isPlaying() const
 {
     return song_.player().isPlaying();

@@ -24,7 +24,8 @@ public:
 // then let go when the user shares it (documentFlags bit 3), unless live play keeps the stream
 // running. As a message filter it turns the live keys into triggers of the tracks.
 //
-// Everything here runs on the GUI thread except the meter notifications.
+// Everything here runs on the GUI thread except the meter notifications. The GUI thread owns
+// the document flags and the live mode flag.
 class Transport : public WaveOutStream, public MessageFilter {
 public:
     static constexpr uint32_t kReleaseDeviceFlag = 8; // documentFlags bit 3
@@ -43,6 +44,13 @@ public:
     void stopPlaying();
     // Stops at once and lets go of the device.
     void close();
+    // The playlist's ruler: playing goes on from the beginning of song position `position`.
+    // While the stream runs the move is handed to its next render; otherwise it is made at once.
+    // The song player's songPosition() shows the new position at once either way.
+    void moveToSongPosition(int32_t position);
+    // The Settings dialog's output format: a stream that is not closed is stopped, the song takes
+    // the format (its samples are loaded again for it) and a running stream starts again.
+    void changeFormat(AudioFormat);
 
     // The stream is running (playing the song, live notes or silence).
     bool isRunning() const { return state() == StreamState::Playing; }

@@ -9,7 +9,8 @@
 namespace pulsara {
 
 // One of the song's instrument slots: a sample, the volume every note of it is scaled by, and a
-// name of at most kMaxNameLength units.
+// name of at most kMaxNameLength units. The name is the GUI thread's; the volume is an atomic
+// word the render reads; the sample states its own threads.
 class Instrument {
 public:
     static constexpr float kDefaultVolume = 0.7f;

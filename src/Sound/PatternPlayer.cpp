@@ -132,15 +132,25 @@ void PatternPlayer::triggerLive(int32_t track)
 void PatternPlayer::seek(uint64_t frame)
 {
     uint64_t pass = format_ ? framesPerPass() : 0;
-    position_.store(pass > 0 ? frame % pass : 0, std::memory_order_relaxed);
+    restartPassAt(pass > 0 ? frame % pass : 0);
+}
+
+void PatternPlayer::restartPassAt(uint64_t position)
+{
+    position_.store(position, std::memory_order_relaxed);
     renderedFramesPerStep_ = framesPerStep_.load(std::memory_order_relaxed);
-    markFreshStart();
+    freshStart_.store(true, std::memory_order_relaxed);
+}
+
+void PatternPlayer::restartClockAt(uint32_t step)
+{
+    startStep_.store(step, std::memory_order_relaxed);
+    startTick_.store(nowMilliseconds(), std::memory_order_relaxed);
 }
 
 void PatternPlayer::start()
 {
-    startStep_.store(currentStep(), std::memory_order_relaxed);
-    startTick_.store(nowMilliseconds(), std::memory_order_relaxed);
+    restartClockAt(currentStep());
     playing_.store(true, std::memory_order_release);
 }
 

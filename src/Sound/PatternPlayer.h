@@ -20,6 +20,12 @@ class Instrument;
 // holds its start frame. When step 0 of a new pass is reached, each row is told through
 // advanceForRow(row) just before its notes are read, and then advanceForRow(-1) once, so that
 // the song player can move to the next position.
+//
+// Threads: the settings (tempo, volume, beats, length, live trigger, start and stop) are atomic
+// words the GUI thread writes at any time. setFormat, setInstrument and seek are the GUI
+// thread's while the stream is stopped. render, the track voices and the pass state
+// (renderedFramesPerStep_, the pass position while playing) belong to the thread that renders:
+// the device's callback thread while the stream runs.
 class PatternPlayer : public SoundSource {
 public:
     static constexpr uint32_t kTracks = 40;
@@ -65,6 +71,9 @@ public:
     // Device callback thread: no allocation, locks, I/O or logging.
     void render(float* out, uint32_t frames, uint32_t channels) override;
     uint64_t lengthInFrames() const override { return framesPerPass(); }
+    // With no render running (the stream stopped): moves to frame `frame` of the pass, and the
+    // next block starts playing there. While the stream runs, the song player's
+    // requestSongPosition hands a move to the render instead.
     void seek(uint64_t frame) override;
     void start() override;
     void stop() override;
@@ -75,8 +84,12 @@ protected:
     // one block (almost always only 0: a block is seldom longer than a pass). Does nothing here;
     // the song player moves along its playlist.
     virtual void advanceForRow(int32_t row, uint32_t wrap) { }
-    // Marks the next block as the start of playing, so that its step 0 is not a pass wrap.
-    void markFreshStart() { freshStart_.store(true, std::memory_order_relaxed); }
+    // The thread that renders: the pass goes on from frame `position` at the current frames per
+    // step, and the next block counts as the start of playing, so that its step 0 is not a pass
+    // wrap.
+    void restartPassAt(uint64_t position);
+    // GUI thread: the cursor's estimate counts on from `step` as of now.
+    void restartClockAt(uint32_t step);
 
     void recomputeFramesPerStep();
 
@@ -103,7 +116,8 @@ private:
     std::atomic<uint32_t> beatsPerPattern_ { 4 };
     std::atomic<double> framesPerStep_ { 0.0 };
     std::atomic<uint64_t> position_ { 0 };
-    // The frames per step the position was last rendered at; a change rescales the position.
+    // The thread that renders: the frames per step the position was last rendered at; a change
+    // rescales the position.
     double renderedFramesPerStep_ = 0.0;
     std::atomic<bool> freshStart_ { true };
     std::atomic<bool> cutRequested_ { false };

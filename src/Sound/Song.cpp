@@ -38,6 +38,14 @@ void Song::setFormat(AudioFormat format)
         instrument.sample().setFormat(&format_);
 }
 
+std::size_t Song::reclaimSamples()
+{
+    std::size_t waiting = 0;
+    for (Instrument& instrument : instruments_)
+        waiting += instrument.sample().reclaim();
+    return waiting;
+}
+
 void Song::setInterpolation(Interpolation method)
 {
     for (Instrument& instrument : instruments_)

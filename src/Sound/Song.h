@@ -19,6 +19,11 @@ struct EditorViewState {
 // The document: 40 instruments, the player with its 40 patterns and playlist, the display
 // orders through which the editors and the song file address instruments and patterns, and
 // the editors' view state. It exists for the whole run; new and open reset it in place.
+//
+// The GUI thread owns the document: it edits it and loads into it. While the stream runs, the
+// device's callback thread renders the player, which reads the grids, the playlist and the
+// volumes as atomic words and each sample's data through the sample's hand-over; the format
+// record is read by the stream and changes only while the stream is stopped.
 class Song {
 public:
     static constexpr uint32_t kInstruments = PatternPlayer::kTracks;
@@ -36,12 +41,20 @@ public:
 
     // Empties the song: default steps and beats, every instrument and pattern empty and nameless,
     // empty playlist, views at 0, first editor shown, loop 0 to -1. Tempo and volume stay.
+    // GUI thread, also while the stream plays.
     void reset();
 
     // The output format every sample is converted to; samples with a file are loaded again.
+    // GUI thread, with the stream stopped: the stream reads the record (Transport::changeFormat
+    // stops and restarts it around this).
     void setFormat(AudioFormat);
     const AudioFormat& format() const { return format_; }
     void setInterpolation(Interpolation);
+
+    // GUI thread: frees the sample data that loads, unloads and resets replaced while a render
+    // was reading it, now that none is (Sample::reclaim). Returns the blocks still waiting. The
+    // window calls it from a timer while the stream runs.
+    std::size_t reclaimSamples();
 
     Instrument& instrument(uint32_t slot) { return instruments_[slot < kInstruments ? slot : 0]; }
     const Instrument& instrument(uint32_t slot) const { return instruments_[slot < kInstruments ? slot : 0]; }

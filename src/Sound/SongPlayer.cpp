@@ -54,7 +54,7 @@ int32_t SongPlayer::nextPosition(int32_t position) const
 
 void SongPlayer::advance(int32_t row)
 {
-    int32_t next = nextPosition(songPosition());
+    int32_t next = nextPosition(playedPosition());
     if (row < 0) {
         songPosition_.store(next, std::memory_order_relaxed);
         return;
@@ -69,7 +69,7 @@ void SongPlayer::advanceForRow(int32_t row, uint32_t wrap)
         return;
     if (row >= 0) {
         if (row == 0 && wrap == 0)
-            blockStartPosition_ = songPosition();
+            blockStartPosition_ = playedPosition();
         if (wrap > 0) {
             // A later pass end of the same block: start from where the shared position will
             // stand by then. A row meets its pass ends in order, so each is one step on.
@@ -124,6 +124,52 @@ void SongPlayer::setSongPosition(int32_t position)
     advance(-1);
 }
 
+int32_t SongPlayer::songPosition() const
+{
+    uint64_t request = request_.load(std::memory_order_acquire);
+    if (request == kNoRequest)
+        return playedPosition();
+    return landingPosition(static_cast<int32_t>(static_cast<uint32_t>(request)));
+}
+
+int32_t SongPlayer::landingPosition(int32_t position) const
+{
+    return mode() == kSongMode ? nextPosition(position - 1) : position;
+}
+
+void SongPlayer::requestSongPosition(int32_t position)
+{
+    if (++requestSerial_ == 0)
+        ++requestSerial_;
+    request_.store((uint64_t { requestSerial_ } << 32) | static_cast<uint32_t>(position), std::memory_order_release);
+    restartClockAt(0);
+}
+
+void SongPlayer::moveToSongPosition(int32_t position)
+{
+    request_.store(kNoRequest, std::memory_order_relaxed);
+    startAt(position);
+    restartClockAt(0);
+}
+
+void SongPlayer::startAt(int32_t position)
+{
+    restartPassAt(0);
+    setSongPosition(position);
+}
+
+void SongPlayer::render(float* out, uint32_t frames, uint32_t channels)
+{
+    uint64_t request = request_.load(std::memory_order_acquire);
+    if (request != kNoRequest) {
+        startAt(static_cast<int32_t>(static_cast<uint32_t>(request)));
+        // Cleared only after the move, and only when no newer request came meanwhile, so that
+        // songPosition() never shows the old position in between.
+        request_.compare_exchange_strong(request, kNoRequest, std::memory_order_acq_rel);
+    }
+    PatternPlayer::render(out, frames, channels);
+}
+
 void SongPlayer::setMode(int32_t mode)
 {
     mode_.store(mode, std::memory_order_relaxed);
@@ -143,6 +189,7 @@ uint64_t SongPlayer::lengthInFrames() const
 
 void SongPlayer::seek(uint64_t frame)
 {
+    request_.store(kNoRequest, std::memory_order_relaxed);
     uint64_t pass = framesPerPass();
     PatternPlayer::seek(frame);
     setSongPosition(pass > 0 ? static_cast<int32_t>(std::min<uint64_t>(frame / pass, kPositions)) : 0);

@@ -12,6 +12,10 @@ namespace pulsara {
 // Walks the playlist: at each song position the patterns that are on there are merged into
 // the sequencer's combined grid, row by row as each row wraps, so that every track switches to
 // the next position's notes exactly at its own pass end. In pattern mode one pattern loops.
+//
+// Threads: patterns, playlist, mode and loop are the GUI thread's to edit at any time (atomic
+// cells and words). The song position belongs to the thread that renders; the GUI thread moves
+// it while the stream runs only through requestSongPosition, which the next render carries out.
 class SongPlayer : public PatternPlayer {
 public:
     static constexpr uint32_t kPatterns = 40;
@@ -32,10 +36,24 @@ public:
     // Resizes every pattern and the combined grid.
     void setLength(uint32_t steps) override;
 
-    // Moves to song position `position` and rebuilds the combined grid for it.
+    // Moves to song position `position` and rebuilds the combined grid for it; the pass goes on
+    // where it stands. The thread that renders, or the GUI thread while the stream is stopped.
     void setSongPosition(int32_t position);
-    int32_t songPosition() const { return songPosition_.load(std::memory_order_relaxed); }
+    // GUI thread, also while the stream renders: the next rendered block starts at the beginning
+    // of song position `position`, as moveToSongPosition does. A later request replaces one the
+    // render has not taken yet.
+    void requestSongPosition(int32_t position);
+    // Starts at the beginning of song position `position` now: the song position and its grid,
+    // pass position 0, and the next step 0 not counted as a pass end. GUI thread while the
+    // stream is stopped; drops a request the render has not taken.
+    void moveToSongPosition(int32_t position);
+    // The song position being played; while a request waits for the render, the position it
+    // lands on, so that a ruler drawn from it does not jump back in between.
+    int32_t songPosition() const;
     // kSongMode walks the playlist; a pattern index loops that pattern.
+    // FIXME: it rebuilds the grid and the song position on the calling thread, which while the
+    // stream runs can cross the render's own walk (every word is atomic, but the two moves may
+    // interleave); it should hand the rebuild to the render as requestSongPosition does.
     void setMode(int32_t mode);
     int32_t mode() const { return mode_.load(std::memory_order_relaxed); }
     void setFollowPlaylist(bool follow) { followPlaylist_.store(follow, std::memory_order_relaxed); }
@@ -53,14 +71,24 @@ public:
     // Song mode: positions 0 to the loop end (the last used position when the loop end is -1),
     // one pass each; 0 for an empty playlist. Pattern mode: one pass.
     uint64_t lengthInFrames() const override;
-    // A seek to frame 0 also goes back to song position 0.
+    // A seek to frame 0 also goes back to song position 0. Drops a request the render has not
+    // taken.
     void seek(uint64_t frame) override;
+    // Device callback thread: no allocation, locks, I/O or logging. Carries out a requested
+    // move at the start of the block, then renders it.
+    void render(float* out, uint32_t frames, uint32_t channels) override;
 
 protected:
     void advanceForRow(int32_t row, uint32_t wrap) override;
 
 private:
+    static constexpr uint64_t kNoRequest = 0;
+
     bool walksPlaylist() const { return mode() == kSongMode && followsPlaylist(); }
+    int32_t playedPosition() const { return songPosition_.load(std::memory_order_relaxed); }
+    // Where setSongPosition(position) leaves the song position.
+    int32_t landingPosition(int32_t position) const;
+    void startAt(int32_t position);
     // The position the advance rule moves `position` to.
     int32_t nextPosition(int32_t position) const;
     // One step of the walk: move the song position on, then (for a row) merge that row for the
@@ -73,6 +101,11 @@ private:
     std::array<std::u16string, kPatterns> patternNames_;
     Playlist playlist_;
     std::atomic<int32_t> songPosition_ { -1 };
+    // A move the render has yet to make: a serial in the high word, so that a repeated request
+    // for the same position is not mistaken for the one taken, and the position in the low
+    // word; kNoRequest when none waits. The serial is the GUI thread's.
+    std::atomic<uint64_t> request_ { kNoRequest };
+    uint32_t requestSerial_ = 0;
     std::atomic<int32_t> loopStart_ { 0 };
     std::atomic<int32_t> loopEnd_ { 1 };
     std::atomic<int32_t> mode_ { kSongMode };

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace pulsara {
@@ -84,8 +85,9 @@ int WavReader::load(std::u16string_view path)
     std::u16string pathText(path);
     errorContext().function = pathText;
 
-    sample_.position_ = 0.0;
-    sample_.length_ = 0;
+    // The old sound goes first; the playback position is the audio thread's, which starts any
+    // note on the new data from its beginning.
+    sample_.publish(nullptr);
     const AudioFormat* format = sample_.format_;
     if (!format) {
         reportError(&errorContext(), kFatal, kSource, kNoFormatLine, u"No output format specified");
@@ -145,15 +147,17 @@ int WavReader::loadDirect(InputFile& file, uint32_t dataSize, uint32_t channels)
 {
     uint32_t length = dataSize / 4 / channels;
     std::size_t floats = static_cast<std::size_t>(length) * channels;
-    if (!allocate(sample_.frames_, floats + channels)) {
+    auto data = std::make_unique<SampleData>();
+    if (!allocate(data->frames, floats + channels)) {
         forgetPath();
         return 0;
     }
-    if (file.read(sample_.frames_.data(), floats * sizeof(float)) < floats * sizeof(float))
+    if (file.read(data->frames.data(), floats * sizeof(float)) < floats * sizeof(float))
         return fail(kReadErrorLine, u"buff read error");
-    std::fill(sample_.frames_.begin() + static_cast<std::ptrdiff_t>(floats), sample_.frames_.end(), 0.0f);
-    sample_.channels_ = channels;
-    sample_.length_ = static_cast<int32_t>(length);
+    std::fill(data->frames.begin() + static_cast<std::ptrdiff_t>(floats), data->frames.end(), 0.0f);
+    data->channels = channels;
+    data->length = static_cast<int32_t>(length);
+    sample_.publish(std::move(data));
     return 1;
 }
 
@@ -184,9 +188,10 @@ int WavReader::loadConverted(InputFile& file, uint32_t dataSize, uint32_t channe
 
     // Both float buffers keep a silent spare frame: the linear method reads one frame past the
     // last one it interpolates from.
+    auto data = std::make_unique<SampleData>();
     std::vector<float> converted;
     std::vector<uint8_t> bytes;
-    if (!allocate(sample_.frames_, (uint64_t { length } + 1) * outChannels)
+    if (!allocate(data->frames, (uint64_t { length } + 1) * outChannels)
         || !allocate(converted, (uint64_t { sourceFrames } + 1) * outChannels) || !allocate(bytes, dataSize)) {
         forgetPath();
         return 0;
@@ -195,13 +200,14 @@ int WavReader::loadConverted(InputFile& file, uint32_t dataSize, uint32_t channe
 
     PcmConverter(bits, channels, outChannels).convert(bytes.data(), sourceFrames, converted.data());
 
-    std::fill(sample_.frames_.begin(), sample_.frames_.end(), 0.0f);
-    MixTarget target { sample_.frames_.data(), length, outChannels };
+    std::fill(data->frames.begin(), data->frames.end(), 0.0f);
+    MixTarget target { data->frames.data(), length, outChannels };
     MixSource source { converted.data(), sourceFrames + 1 };
     mixLinear(target, source, 0.0, static_cast<float>(1.0 / ratio), 1.0f);
 
-    sample_.channels_ = outChannels;
-    sample_.length_ = static_cast<int32_t>(length);
+    data->channels = outChannels;
+    data->length = static_cast<int32_t>(length);
+    sample_.publish(std::move(data));
     return 0;
 }
 

@@ -12,6 +12,9 @@ class Sample;
 // Reads a plain RIFF WAVE file (8- or 16-bit PCM, mono or stereo, or 32-bit float already in the
 // output format) into a sample, converting it to the sample's output format: its rate, its
 // channel count and float values. Every refusal is a recoverable report from "Sound/file".
+//
+// GUI thread: the frames are built apart from the sample and handed to it whole (Sample's
+// publish), so a stream that plays the sample meanwhile never sees them half-made.
 class WavReader {
 public:
     explicit WavReader(Sample&);

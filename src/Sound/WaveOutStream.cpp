@@ -60,9 +60,17 @@ int WaveOutStream::start()
     if (!openDevice())
         return 0;
     currentBuffer_.store(0, std::memory_order_relaxed);
+    startGate_.store(StartGate::Queuing, std::memory_order_relaxed);
     state_.store(StreamState::Playing, std::memory_order_release);
-    fill();
-    fill();
+    // Once the first buffer is queued the device may hand it back and refill it on its own
+    // thread, which must not meet a render of the second one here.
+    if (renderBuffer(0) && renderBuffer(1)) {
+        WaveDevice* handle = handle_.load(std::memory_order_acquire);
+        handle->write(headers_[0]);
+        handle->write(headers_[1]);
+    }
+    StartGate queuing = StartGate::Queuing;
+    startGate_.compare_exchange_strong(queuing, StartGate::Open, std::memory_order_acq_rel);
     return 1;
 }
 
@@ -229,18 +237,36 @@ int WaveOutStream::onDeviceMessage(uint32_t message)
 void WaveOutStream::onWaveMessage(WaveMessage message, WaveHeader*)
 {
     lastRequestTick_.store(tickClock_(), std::memory_order_relaxed);
-    if (message == WaveMessage::Done && state() == StreamState::Playing)
+    if (message != WaveMessage::Done || state() != StreamState::Playing)
+        return;
+    StartGate gate = startGate_.load(std::memory_order_acquire);
+    if (gate == StartGate::Queuing && startGate_.compare_exchange_strong(gate, StartGate::Owed, std::memory_order_acq_rel))
+        return;
+    if (gate == StartGate::Owed) {
+        // Only the second buffer can come back after an owed fill: both are free again.
+        startGate_.store(StartGate::Open, std::memory_order_relaxed);
         fill();
+    }
+    fill();
 }
 
 void WaveOutStream::fill()
 {
+    WaveDevice* handle = handle_.load(std::memory_order_acquire);
+    int16_t current = currentBuffer_.load(std::memory_order_relaxed);
+    if (!handle || !renderBuffer(current))
+        return;
+    handle->write(headers_[current]);
+    currentBuffer_.store(static_cast<int16_t>((current + 1) % 2), std::memory_order_relaxed);
+}
+
+bool WaveOutStream::renderBuffer(int16_t buffer)
+{
     const AudioFormat* format = this->format();
     WaveDevice* handle = handle_.load(std::memory_order_acquire);
     if (!format || !handle || format->channels < 1 || format->channels > 2)
-        return;
+        return false;
     uint32_t channels = format->channels;
-    int16_t current = currentBuffer_.load(std::memory_order_relaxed);
 
     // The count is the float buffer's bytes over the source's frame size. With a float format
     // that is the frames the buffer holds; a smaller sample size would ask for more than fits,
@@ -252,23 +278,20 @@ void WaveOutStream::fill()
         source->render(mixBuffer_.data(), count, channels);
 
     std::array<float, 2> peaks { 0.0f, 0.0f };
-    uint32_t frames = static_cast<uint32_t>(deviceBuffers_[current].size() / channels);
-    convert(frames, channels, peaks);
+    std::vector<int16_t>& device = deviceBuffers_[buffer];
+    convert(device.data(), static_cast<uint32_t>(device.size() / channels), channels, peaks);
     float loudest = std::max(peaks[0], peaks[1]);
     clipFlag_.store(loudest >= 1.0f ? 1 : 0, std::memory_order_relaxed);
     onPeaks(peaks[0], channels <= 1 ? peaks[0] : peaks[1]);
 
-    handle->write(headers_[current]);
-    currentBuffer_.store(static_cast<int16_t>((current + 1) % 2), std::memory_order_relaxed);
-
     int latency = this->latency();
     uint32_t elapsed = tickClock_() - lastRequestTick_.load(std::memory_order_relaxed);
     onCpuLoad(latency != 0 ? static_cast<float>(elapsed) / static_cast<float>(latency) : 0.0f);
+    return true;
 }
 
-void WaveOutStream::convert(uint32_t frames, uint32_t channels, std::array<float, 2>& peaks)
+void WaveOutStream::convert(int16_t* out, uint32_t frames, uint32_t channels, std::array<float, 2>& peaks)
 {
-    int16_t* out = deviceBuffers_[currentBuffer_.load(std::memory_order_relaxed)].data();
     const float* in = mixBuffer_.data();
     for (uint32_t frame = 0; frame < frames; ++frame) {
         for (uint32_t channel = 0; channel < channels; ++channel) {

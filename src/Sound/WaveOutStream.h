@@ -31,9 +31,11 @@ uint32_t steadyTickCount();
 // that period are passed to onPeaks and onCpuLoad.
 //
 // start, stop, stopGracefully, setLatency, setFormat and position run on the GUI thread; the
-// fill runs on the device's callback thread (and twice on the GUI thread inside start, before
-// anything is queued). The state word is the hand-over between the two: the callback fills only
-// while it says Playing.
+// fill runs on the device's callback thread. Start renders both buffers on the GUI thread
+// before it queues either, so no fill can run meanwhile. The state word is the hand-over
+// between the two: the callback fills only while it says Playing. The buffers, the mix buffer
+// and the current buffer index belong to whichever thread renders (start, then the callback);
+// the GUI thread sizes them while the device is closed.
 class WaveOutStream : private WaveDeviceListener {
 public:
     static constexpr const char* kSourceName = "Sound/waveOut";
@@ -107,10 +109,18 @@ private:
     bool openDevice();
     bool sizeBuffers(const AudioFormat&);
     bool closeDevice();
-    // Renders, converts and writes the current buffer. Device callback thread (and GUI thread in
-    // start): no allocation, locks, I/O or logging.
+    // Device callback thread: no allocation, locks, I/O or logging. Renders, converts and
+    // queues the current buffer.
     void fill();
-    void convert(uint32_t frames, uint32_t channels, std::array<float, 2>& peaks);
+    // Renders one period into device buffer `buffer` and passes on the meters; false when there
+    // is no open device or usable format. The thread that renders (GUI thread in start).
+    bool renderBuffer(int16_t buffer);
+    void convert(int16_t* out, uint32_t frames, uint32_t channels, std::array<float, 2>& peaks);
+
+    // Whether start is still queuing its two buffers. A buffer the device hands back before the
+    // second is queued is not refilled at once (it would be queued ahead of that one); the fill
+    // is owed and made, in order, when the second comes back.
+    enum class StartGate : uint8_t { Open, Queuing, Owed };
 
     ErrorContext* context_ = &errorContext();
     std::atomic<SoundSource*> source_ { nullptr };
@@ -120,6 +130,7 @@ private:
     std::array<WaveHeader, 2> headers_;
     std::vector<float> mixBuffer_;
     std::atomic<int16_t> currentBuffer_ { 0 };
+    std::atomic<StartGate> startGate_ { StartGate::Open };
     std::atomic<WaveDevice*> handle_ { nullptr }; // &device_ while open
     AudioFormat defaultFormat_ { 44100, 16, 1 };
     std::atomic<const AudioFormat*> format_ { &defaultFormat_ };

@@ -167,3 +167,41 @@ TEST(Transport, PassesTheMetersToItsListener)
     ASSERT_EQ(rig.transport.play(), 1);
     EXPECT_EQ(meters.peaks.size(), 4u);
 }
+
+// The ruler's move waits for the next fill while the stream runs (the render owns the pass), and
+// is made at once while it does not; the song position shows the target at once either way.
+TEST(Transport, MovingToASongPositionWaitsForTheNextFillOnlyWhileRunning)
+{
+    TransportRig rig;
+    SongPlayer& player = rig.song.player();
+    for (uint32_t position : { 0u, 1u, 2u })
+        player.playlist().set(0, position, 1.0f);
+    ASSERT_EQ(rig.transport.play(), 1);
+    uint64_t twoBuffers = player.position();
+    ASSERT_NE(twoBuffers, 0u);
+    rig.transport.moveToSongPosition(2);
+    EXPECT_EQ(player.songPosition(), 2);
+    EXPECT_EQ(player.position(), twoBuffers);
+    ASSERT_TRUE(rig.device.playOne());
+    EXPECT_EQ(player.songPosition(), 2);
+    EXPECT_EQ(player.position(), twoBuffers / 2) << "one buffer from the start of the position";
+
+    rig.transport.close();
+    rig.transport.moveToSongPosition(1);
+    EXPECT_EQ(player.songPosition(), 1);
+    EXPECT_EQ(player.position(), 0u);
+}
+
+TEST(Transport, ChangeFormatReopensOnlyARunningStreamInTheNewFormat)
+{
+    TransportRig rig;
+    rig.transport.changeFormat({ 44100, 32, 1 });
+    EXPECT_FALSE(rig.transport.isRunning());
+    EXPECT_EQ(rig.device.opens(), 0);
+    ASSERT_EQ(rig.transport.play(), 1);
+    rig.transport.changeFormat({ 11025, 32, 2 });
+    EXPECT_TRUE(rig.transport.isRunning());
+    EXPECT_EQ(rig.device.opens(), 2);
+    EXPECT_EQ(rig.device.openedFormat().samplesPerSecond, 11025u);
+    EXPECT_EQ(rig.device.openedFormat().channels, 2);
+}

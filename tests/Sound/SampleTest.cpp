@@ -127,15 +127,42 @@ TEST(Sample, SetFramesKeepsASilentSpareFrameAndUnloadEmptiesIt)
     EXPECT_EQ(sample.length(), 2);
     EXPECT_EQ(sample.channels(), 2u);
     EXPECT_EQ(std::vector<float>(sample.frames(), sample.frames() + 6), (std::vector<float> { 1, 2, 3, 4, 0, 0 }));
-    sample.setPlaying(true);
-    sample.setPosition(1.0);
     sample.unload();
     EXPECT_EQ(sample.length(), 0);
-    EXPECT_EQ(sample.position(), 0.0);
     EXPECT_FALSE(sample.isLoaded());
     EXPECT_TRUE(sample.displayName().empty());
-    std::vector<float> out(4, 0.0f);
-    sample.mix(out.data(), 4, 1);
-    EXPECT_EQ(out, std::vector<float>(4, 0.0f));
-    EXPECT_FALSE(sample.isPlaying());
+}
+
+// A load on the GUI thread may replace the data under a sounding note: the note stops at its next
+// mix without a frame of the new data, and the next note plays the new data from its start.
+TEST(Sample, ANoteStopsWhenItsDataIsReplacedAndTheNextNotePlaysTheNewData)
+{
+    const struct {
+        const char* what;
+        std::vector<float> replacement; // empty: unloaded
+        std::vector<float> nextNote;
+    } cases[] = {
+        { "longer data", std::vector<float>(20, 9.0f), { 9, 9, 9, 9 } },
+        { "shorter data", { 7, 7 }, { 7, 7, 0, 0 } },
+        { "no data", {}, { 0, 0, 0, 0 } },
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.what);
+        Sample sample;
+        fillRamp(sample, 10, 1);
+        std::vector<float> out(4, 0.0f);
+        ASSERT_EQ(sample.mix(out.data(), 3, 1), -1);
+        if (test.replacement.empty())
+            sample.unload();
+        else
+            ASSERT_TRUE(sample.setFrames(test.replacement, 1));
+        out.assign(4, 0.0f);
+        EXPECT_EQ(sample.mix(out.data(), 4, 1), -1);
+        EXPECT_EQ(out, std::vector<float>(4, 0.0f));
+        EXPECT_FALSE(sample.isPlaying());
+        EXPECT_EQ(sample.position(), 0.0);
+        sample.setPlaying(true);
+        sample.mix(out.data(), 4, 1);
+        EXPECT_EQ(out, test.nextNote);
+    }
 }

@@ -119,15 +119,46 @@ TEST(SongPlayer, LengthCoversThePositionsUpToTheLoopEnd)
     EXPECT_EQ(rig.player.lengthInFrames(), 4 * pass);
 }
 
-TEST(SongPlayer, SeekingToTheStartGoesBackToPositionZero)
+// Every way of moving the play position plays on from the start of the target position at the
+// next block. A request (the GUI thread's while the stream renders) leaves the pass to the render,
+// but the song position shows the target at once.
+TEST(SongPlayer, MovesPlayFromTheStartOfTheTargetPositionAtTheNextBlock)
 {
-    PlayerRig rig;
-    arrange(rig, 0, { 0, 1, 2 }, 1.0f);
-    positionsPlayed(rig, 3, 8800);
-    EXPECT_EQ(rig.player.songPosition(), 2);
-    rig.player.seek(0);
-    EXPECT_EQ(rig.player.songPosition(), 0);
-    EXPECT_EQ(rig.player.position(), 0u);
+    enum class Move { Seek, Direct, Request };
+    const struct {
+        const char* what;
+        Move move;
+        int32_t target;
+        float heard;
+    } cases[] = {
+        { "a seek to the start", Move::Seek, 0, 0.25f },
+        { "a move", Move::Direct, 2, 1.0f },
+        { "a request replacing an earlier one", Move::Request, 2, 1.0f },
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        PlayerRig rig;
+        arrange(rig, 0, { 0 }, 0.25f);
+        arrange(rig, 1, { 1 }, 0.5f);
+        arrange(rig, 2, { 2 }, 1.0f);
+        positionsPlayed(rig, 2, 8800);
+        uint64_t before = rig.player.position();
+        ASSERT_NE(before, 0u);
+        if (c.move == Move::Seek)
+            rig.player.seek(0);
+        else if (c.move == Move::Direct)
+            rig.player.moveToSongPosition(c.target);
+        else {
+            rig.player.requestSongPosition(1);
+            rig.player.requestSongPosition(c.target);
+        }
+        EXPECT_EQ(rig.player.songPosition(), c.target);
+        EXPECT_EQ(rig.player.position(), c.move == Move::Request ? before : 0u);
+        std::vector<float> out = rig.render(rig.player.framesPerPass(), { 512 });
+        EXPECT_EQ(soundingFrames(out), (std::vector<uint64_t> { 0 }));
+        EXPECT_EQ(out[0], c.heard);
+        EXPECT_EQ(rig.player.songPosition(), c.target);
+    }
 }
 
 TEST(SongPlayer, ClearSongEmptiesPatternsNamesPlaylistAndLoop)

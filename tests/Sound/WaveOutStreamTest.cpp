@@ -116,6 +116,55 @@ TEST(WaveOutStream, StartOpens16BitPcmAndQueuesTwoFillsOnce)
     EXPECT_EQ(rig.source.renders.load(), 2);
 }
 
+namespace {
+
+// A device that plays the first buffer the moment it is queued, before the stream can queue the
+// second, as a fast device thread may.
+struct EagerDevice : FakeWaveDevice {
+    WaveResult write(WaveHeader& header) override
+    {
+        WaveResult result = FakeWaveDevice::write(header);
+        if (++writes == 1)
+            playOne();
+        return result;
+    }
+    int writes = 0;
+};
+
+// Renders period n (counting from 1) as the value n / 8, and notes how many buffers the device
+// had been given when each render began.
+struct PeriodSource : ScriptedSource {
+    explicit PeriodSource(const EagerDevice& device)
+        : device(device)
+    {
+    }
+    void render(float* out, uint32_t frames, uint32_t channels) override
+    {
+        writesBefore.push_back(device.writes);
+        std::fill(out, out + size_t { frames } * channels, static_cast<float>(renders.fetch_add(1) + 1) / 8.0f);
+    }
+    const EagerDevice& device;
+    std::vector<int> writesBefore;
+};
+
+} // namespace
+
+TEST(WaveOutStream, StartRendersBothBuffersBeforeQueuingAndAFastDeviceStillPlaysThemInOrder)
+{
+    AudioFormat format { 44100, 32, 1 };
+    EagerDevice device;
+    PeriodSource source(device);
+    RecordingStream stream(device, &source);
+    stream.setFormat(&format);
+    ASSERT_EQ(stream.start(), 1);
+    EXPECT_EQ(source.writesBefore, (std::vector<int> { 0, 0 }));
+    std::vector<int16_t> firstSamples { device.lastPlayed().at(0) };
+    for (int played = 0; played < 3 && device.playOne(); ++played)
+        firstSamples.push_back(device.lastPlayed().at(0));
+    // Periods 1 to 4 at full scale 32767, truncated.
+    EXPECT_EQ(firstSamples, (std::vector<int16_t> { 4095, 8191, 12287, 16383 }));
+}
+
 TEST(WaveOutStream, DoneWhilePlayingRefillsTheBufferJustPlayed)
 {
     StreamRig rig;

@@ -141,6 +141,7 @@ void Application::initialise(int latencyMs)
     };
 
     setInterpolation(interpolation_);
+    transport_.setDrainsInBackground(true);
     transport_.setDocumentFlags(documentFlags_ | kReleaseDeviceFlag);
     transport_.open(latencyMs);
     transport_.setMeterListener(this);
@@ -153,7 +154,7 @@ void Application::initialise(int latencyMs)
 void Application::newEmptySong()
 {
     song_.reset();
-    song_.player().setSongPosition(0);
+    transport_.moveToSongPosition(0);
     setTempo(Song::kStartTempo);
     setMasterVolume(Song::kStartVolume);
     edits_.forgetHistory();
@@ -182,7 +183,7 @@ int Application::loadSongFile(std::u16string_view path)
         edits_.markUnsaved();
         markDirty();
     }
-    song_.player().setSongPosition(0);
+    transport_.moveToSongPosition(0);
     setTopBarMode(kSongMode);
     mainEditor_.setPattern(uint32_t(std::clamp(song_.view(0).value, 0, int32_t(Song::kPatterns) - 1)));
     refreshViews();
@@ -368,23 +369,20 @@ void Application::setPlaying(bool on)
 
 void Application::moveToSongPosition(int32_t position)
 {
-    song_.player().setSongPosition(position);
-    song_.player().PatternPlayer::seek(0);
+    transport_.moveToSongPosition(position);
     followPlayback();
 }
 
 void Application::moveToStep(int32_t step)
 {
-    SongPlayer& player = song_.player();
-    player.PatternPlayer::seek(static_cast<uint64_t>(step * player.framesPerStep()));
+    transport_.moveToSongPosition(std::max(0, song_.player().songPosition()), uint32_t(step));
     followPlayback();
 }
 
 void Application::setPlayedPattern(int32_t pattern)
 {
-    if (pattern == song_.player().mode())
-        return;
-    song_.player().setMode(pattern);
+    if (pattern != song_.player().mode())
+        song_.player().setMode(pattern);
 }
 
 void Application::loadSampleSafely(const std::function<void()>& load)
@@ -414,6 +412,17 @@ void Application::followPlayback()
     mainEditor_.playlist().setPlayColumn(player.mode() == SongPlayer::kSongMode ? position : -1);
     topBar_.setClipped(transport_.isClipped());
     const uint32_t now = Timer::tickCount();
+    // The device is let go once the last sound has played; a device that never hands its
+    // buffers back is closed anyway.
+    if (transport_.state() == StreamState::Draining) {
+        if (drainingSince_ == 0)
+            drainingSince_ = now;
+        if (!transport_.finishDrain() && now - drainingSince_ > kDrainLimitMs)
+            transport_.stop();
+    } else {
+        drainingSince_ = 0;
+    }
+    song_.reclaimSamples();
     for (LiveRow& row : livePanels_)
         row.tick(now);
 }

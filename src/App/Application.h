@@ -48,6 +48,8 @@ public:
     static constexpr int32_t kTempoSliderWidth = 30;
     static constexpr int32_t kPageButtonWidth = 84;
     static constexpr uint32_t kFollowPeriodMs = 10;
+    // The longest the device may take to play out what it holds after playing stops.
+    static constexpr uint32_t kDrainLimitMs = 3000;
 
     enum Command : uint16_t {
         kLiveactCommand = 40029,
@@ -175,6 +177,7 @@ private:
     TextLabel valueTipText_ { {}, 3 };
     uint16_t focusedEditor_ = 0;
     int32_t topBarMode_ = kSongMode;
+    uint32_t drainingSince_ = 0;
     FollowTimer followTimer_ { *this };
 };
 

@@ -46,7 +46,7 @@ void Transport::stopPlaying()
 {
     song_.player().stop();
     if (releasesDevice() && !liveMode_)
-        stopGracefully();
+        drain();
 }
 
 void Transport::close()
@@ -55,13 +55,21 @@ void Transport::close()
     stop();
 }
 
-void Transport::moveToSongPosition(int32_t position)
+void Transport::moveToSongPosition(int32_t position, uint32_t step)
 {
     // Only a Playing stream renders: the others have no fill that could run now.
     if (isRunning())
-        song_.player().requestSongPosition(position);
+        song_.player().requestSongPosition(position, step);
     else
-        song_.player().moveToSongPosition(position);
+        song_.player().moveToSongPosition(position, step);
+}
+
+void Transport::drain()
+{
+    if (drainsInBackground_)
+        beginDrain();
+    else
+        stopGracefully();
 }
 
 void Transport::changeFormat(AudioFormat format)
@@ -87,7 +95,7 @@ void Transport::setLiveMode(bool on)
     if (on)
         start();
     else if (!isPlaying() && releasesDevice())
-        stopGracefully();
+        drain();
 }
 
 int Transport::triggerLive(int32_t track)

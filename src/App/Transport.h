@@ -44,10 +44,14 @@ public:
     void stopPlaying();
     // Stops at once and lets go of the device.
     void close();
-    // The playlist's ruler: playing goes on from the beginning of song position `position`.
-    // While the stream runs the move is handed to its next render; otherwise it is made at once.
-    // The song player's songPosition() shows the new position at once either way.
-    void moveToSongPosition(int32_t position);
+    // The rulers: playing goes on from step `step` of song position `position`. While the
+    // stream runs the move is handed to its next render; otherwise it is made at once. The song
+    // player's songPosition() shows the new position at once either way.
+    void moveToSongPosition(int32_t position, uint32_t step = 0);
+    // With background draining (the window), letting go of the device after playing does not
+    // wait for the queued sound: the owner calls finishDrain from a timer. Without it (the
+    // command line), the stop waits until the sound has played.
+    void setDrainsInBackground(bool on) { drainsInBackground_ = on; }
     // The Settings dialog's output format: a stream that is not closed is stopped, the song takes
     // the format (its samples are loaded again for it) and a running stream starts again.
     void changeFormat(AudioFormat);
@@ -81,11 +85,13 @@ protected:
 
 private:
     bool releasesDevice() const { return (documentFlags_ & kReleaseDeviceFlag) != 0; }
+    void drain();
 
     Song& song_;
     std::atomic<MeterListener*> meterListener_ { nullptr };
     uint32_t documentFlags_ = kReleaseDeviceFlag;
     bool liveMode_ = false;
+    bool drainsInBackground_ = false;
 };
 
 } // namespace pulsara

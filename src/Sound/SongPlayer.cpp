@@ -124,12 +124,29 @@ void SongPlayer::setSongPosition(int32_t position)
     advance(-1);
 }
 
+namespace {
+
+constexpr uint32_t kPositionBits = 16;
+constexpr uint32_t kPositionMask = (1u << kPositionBits) - 1;
+
+int32_t requestedPosition(uint64_t request)
+{
+    return static_cast<int32_t>(static_cast<uint32_t>(request) & kPositionMask);
+}
+
+uint32_t requestedStep(uint64_t request)
+{
+    return static_cast<uint32_t>(request) >> kPositionBits;
+}
+
+} // namespace
+
 int32_t SongPlayer::songPosition() const
 {
     uint64_t request = request_.load(std::memory_order_acquire);
     if (request == kNoRequest)
         return playedPosition();
-    return landingPosition(static_cast<int32_t>(static_cast<uint32_t>(request)));
+    return landingPosition(requestedPosition(request));
 }
 
 int32_t SongPlayer::landingPosition(int32_t position) const
@@ -137,43 +154,57 @@ int32_t SongPlayer::landingPosition(int32_t position) const
     return mode() == kSongMode ? nextPosition(position - 1) : position;
 }
 
-void SongPlayer::requestSongPosition(int32_t position)
+void SongPlayer::requestSongPosition(int32_t position, uint32_t step)
 {
     if (++requestSerial_ == 0)
         ++requestSerial_;
-    request_.store((uint64_t { requestSerial_ } << 32) | static_cast<uint32_t>(position), std::memory_order_release);
-    restartClockAt(0);
+    uint32_t where = static_cast<uint32_t>(std::clamp<int32_t>(position, 0, kPositions - 1))
+        | std::min(step, StepGrid::kCellsPerRow - 1) << kPositionBits;
+    request_.store((uint64_t { requestSerial_ } << 32) | where, std::memory_order_release);
+    restartClockAt(step);
 }
 
-void SongPlayer::moveToSongPosition(int32_t position)
+void SongPlayer::moveToSongPosition(int32_t position, uint32_t step)
 {
     request_.store(kNoRequest, std::memory_order_relaxed);
-    startAt(position);
-    restartClockAt(0);
+    startAt(position, step);
+    restartClockAt(step);
 }
 
-void SongPlayer::startAt(int32_t position)
+void SongPlayer::startAt(int32_t position, uint32_t step)
 {
-    restartPassAt(0);
+    restartPassAt(static_cast<uint64_t>(step * framesPerStep()));
     setSongPosition(position);
+}
+
+void SongPlayer::rebuildGrid()
+{
+    if (mode() != kSongMode) {
+        copyPatternIntoGrid();
+        return;
+    }
+    for (uint32_t row = 0; row < kTracks; ++row)
+        mergeRow(row, playedPosition());
 }
 
 void SongPlayer::render(float* out, uint32_t frames, uint32_t channels)
 {
     uint64_t request = request_.load(std::memory_order_acquire);
     if (request != kNoRequest) {
-        startAt(static_cast<int32_t>(static_cast<uint32_t>(request)));
+        startAt(requestedPosition(request), requestedStep(request));
         // Cleared only after the move, and only when no newer request came meanwhile, so that
         // songPosition() never shows the old position in between.
         request_.compare_exchange_strong(request, kNoRequest, std::memory_order_acq_rel);
     }
+    if (gridChanged_.exchange(false, std::memory_order_acq_rel))
+        rebuildGrid();
     PatternPlayer::render(out, frames, channels);
 }
 
 void SongPlayer::setMode(int32_t mode)
 {
     mode_.store(mode, std::memory_order_relaxed);
-    setSongPosition(songPosition() < 0 ? 0 : songPosition());
+    markGridChanged();
 }
 
 uint64_t SongPlayer::lengthInFrames() const

@@ -39,22 +39,24 @@ public:
     // Moves to song position `position` and rebuilds the combined grid for it; the pass goes on
     // where it stands. The thread that renders, or the GUI thread while the stream is stopped.
     void setSongPosition(int32_t position);
-    // GUI thread, also while the stream renders: the next rendered block starts at the beginning
-    // of song position `position`, as moveToSongPosition does. A later request replaces one the
-    // render has not taken yet.
-    void requestSongPosition(int32_t position);
-    // Starts at the beginning of song position `position` now: the song position and its grid,
-    // pass position 0, and the next step 0 not counted as a pass end. GUI thread while the
-    // stream is stopped; drops a request the render has not taken.
-    void moveToSongPosition(int32_t position);
+    // GUI thread, also while the stream renders: the next rendered block starts at step `step`
+    // of song position `position` (0 to 255, and 0 to 63), as moveToSongPosition does. A later
+    // request replaces one the render has not taken yet.
+    void requestSongPosition(int32_t position, uint32_t step = 0);
+    // Starts at step `step` of song position `position` now: the song position and its grid,
+    // the pass position of that step, and the next step 0 not counted as a pass end. GUI thread
+    // while the stream is stopped; drops a request the render has not taken.
+    void moveToSongPosition(int32_t position, uint32_t step = 0);
     // The song position being played; while a request waits for the render, the position it
     // lands on, so that a ruler drawn from it does not jump back in between.
     int32_t songPosition() const;
-    // kSongMode walks the playlist; a pattern index loops that pattern.
-    // FIXME: it rebuilds the grid and the song position on the calling thread, which while the
-    // stream runs can cross the render's own walk (every word is atomic, but the two moves may
-    // interleave); it should hand the rebuild to the render as requestSongPosition does.
+    // kSongMode walks the playlist; a pattern index loops that pattern. The song position stays;
+    // the next render builds the combined grid for the new mode.
     void setMode(int32_t mode);
+    // Any thread: a pattern or the playlist changed, so the next render builds the combined grid
+    // again for the position it plays, and the change sounds from that block on rather than
+    // from the next pass.
+    void markGridChanged() { gridChanged_.store(true, std::memory_order_release); }
     int32_t mode() const { return mode_.load(std::memory_order_relaxed); }
     void setFollowPlaylist(bool follow) { followPlaylist_.store(follow, std::memory_order_relaxed); }
     bool followsPlaylist() const { return followPlaylist_.load(std::memory_order_relaxed); }
@@ -88,7 +90,9 @@ private:
     int32_t playedPosition() const { return songPosition_.load(std::memory_order_relaxed); }
     // Where setSongPosition(position) leaves the song position.
     int32_t landingPosition(int32_t position) const;
-    void startAt(int32_t position);
+    void startAt(int32_t position, uint32_t step);
+    // The thread that renders: the combined grid again, for the mode and the position played.
+    void rebuildGrid();
     // The position the advance rule moves `position` to.
     int32_t nextPosition(int32_t position) const;
     // One step of the walk: move the song position on, then (for a row) merge that row for the
@@ -102,9 +106,10 @@ private:
     Playlist playlist_;
     std::atomic<int32_t> songPosition_ { -1 };
     // A move the render has yet to make: a serial in the high word, so that a repeated request
-    // for the same position is not mistaken for the one taken, and the position in the low
-    // word; kNoRequest when none waits. The serial is the GUI thread's.
+    // for the same position is not mistaken for the one taken, and the step and the position in
+    // the low word's two halves; kNoRequest when none waits. The serial is the GUI thread's.
     std::atomic<uint64_t> request_ { kNoRequest };
+    std::atomic<bool> gridChanged_ { false };
     uint32_t requestSerial_ = 0;
     std::atomic<int32_t> loopStart_ { 0 };
     std::atomic<int32_t> loopEnd_ { 1 };

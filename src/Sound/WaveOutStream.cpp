@@ -160,14 +160,27 @@ int WaveOutStream::stopGracefully()
 {
     if (state() != StreamState::Playing)
         return 1;
-    state_.store(StreamState::Draining, std::memory_order_release);
+    beginDrain();
     if (notificationWindow_)
         return 1;
-    // Closing fails while the device still holds a queued buffer: that is the sign that the
-    // sound has not finished yet.
-    while (handle_.load(std::memory_order_acquire) && !closeDevice())
+    while (!finishDrain())
         std::this_thread::sleep_for(kDrainPollInterval);
     return 1;
+}
+
+void WaveOutStream::beginDrain()
+{
+    if (state() == StreamState::Playing)
+        state_.store(StreamState::Draining, std::memory_order_release);
+}
+
+bool WaveOutStream::finishDrain()
+{
+    if (state() != StreamState::Draining)
+        return true;
+    // Closing fails while the device still holds a queued buffer: that is the sign that the
+    // sound has not finished yet.
+    return !handle_.load(std::memory_order_acquire) || closeDevice();
 }
 
 int WaveOutStream::setLatency(int milliseconds)

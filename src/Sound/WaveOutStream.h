@@ -73,6 +73,11 @@ public:
     // Lets the queued sound finish. With the function callback it waits, polling every 20 ms,
     // until the device has played both buffers and closed. Returns 1.
     int stopGracefully();
+    // The same without waiting: the stream drains, and finishDrain, called from time to time on
+    // the GUI thread, closes the device once it has played both buffers. True once the stream is
+    // no longer draining.
+    void beginDrain();
+    bool finishDrain();
     // Milliseconds. While playing, the stream restarts with buffers of the new size. Returns 1.
     int setLatency(int milliseconds);
     int latency() const { return latency_.load(std::memory_order_relaxed); }

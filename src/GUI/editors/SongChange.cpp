@@ -15,12 +15,14 @@ auto valueOf(const Change& change, bool forward)
 EditScope apply(Song& song, const CellChange& change, bool forward)
 {
     song.player().pattern(change.pattern).setCell(change.row, change.step, valueOf(change, forward));
+    song.player().markGridChanged();
     return kScopeNotes;
 }
 
 EditScope apply(Song& song, const PlaylistChange& change, bool forward)
 {
     song.player().playlist().set(change.pattern, change.position, valueOf(change, forward) ? 1.0f : 0.0f);
+    song.player().markGridChanged();
     return kScopePlaylist;
 }
 

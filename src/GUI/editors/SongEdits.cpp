@@ -26,7 +26,11 @@ SongEdits::SongEdits(Song& song)
     });
 }
 
-SongEdits::~SongEdits() = default;
+SongEdits::~SongEdits()
+{
+    // A history going away with unsaved steps says it is clean again; nobody is left to tell.
+    QObject::disconnect(history_.get(), nullptr, nullptr, nullptr);
+}
 
 void SongEdits::beginGesture(std::u16string_view name)
 {

@@ -1,11 +1,10 @@
 #include "App/Application.h"
 
-#include "App/ConsoleReporting.h"
 #include "App/DataFolders.h"
+#include "App/ExportProgress.h"
 #include "GUI/NativeWindow.h"
 #include "GUI/Skin.h"
 #include "GUI/WindowMessage.h"
-#include "Sound/SongFile.h"
 #include "base/text.h"
 
 #include <algorithm>
@@ -49,6 +48,7 @@ Application::Application(Skin& skin, WaveDevice& device)
     , song_(AudioFormat { 44100, 32, 1 })
     , edits_(song_)
     , transport_(device, song_)
+    , document_(song_, edits_, *this)
     , mainEditor_(skin, edits_, *this)
     , songProperties_(skin, edits_)
     , topBar_(skin)
@@ -132,90 +132,87 @@ void Application::initialise(int latencyMs)
         addChild(child);
 
     edits_.onApplied = [this](EditScope scope, bool fromHistory) { onEditApplied(scope, fromHistory); };
-    edits_.onCleanChanged = [this](bool clean) {
-        if (clean)
-            documentFlags_ &= ~kDirtyFlag;
-        else
-            documentFlags_ |= kDirtyFlag;
-        updateTitle();
-    };
+    edits_.onCleanChanged = [this](bool clean) { document_.setDirty(!clean); };
 
     setInterpolation(interpolation_);
     transport_.setDrainsInBackground(true);
-    transport_.setDocumentFlags(documentFlags_ | kReleaseDeviceFlag);
+    transport_.setDocumentFlags(document_.flags());
     transport_.open(latencyMs);
     transport_.setMeterListener(this);
+    document_.setFolders(samplesFolder(), templatesFolder(), samplesFolder());
     mainEditor_.patternPage().instrumentPanel().setSamplesFolder(samplesFolder());
-    newEmptySong();
+    document_.makeUntitled();
+    showNewSong();
 }
 
 // Documents.
 
-void Application::newEmptySong()
-{
-    song_.reset();
-    transport_.moveToSongPosition(0);
-    setTempo(Song::kStartTempo);
-    setMasterVolume(Song::kStartVolume);
-    edits_.forgetHistory();
-    songPath_.clear();
-    songName_.clear();
-    documentFlags_ = (documentFlags_ & ~(kDirtyFlag | kDirtyAfterLoadFlag | kSkipQuestionsFlag)) | kUntitledFlag;
-    setTopBarMode(kSongMode);
-    mainEditor_.setPattern(0);
-    refreshViews();
-    mainEditor_.scrollHome();
-}
-
 int Application::loadSongFile(std::u16string_view path)
 {
-    std::u16string songPath(path);
-    ConsoleSampleLocator locator(songPath, samplesFolder());
-    if (songPath.empty() || !loadSong(song_, songPath, locator)) {
-        newEmptySong();
-        return 0;
-    }
-    songPath_ = songPath;
-    edits_.forgetHistory();
-    documentFlags_ &= ~(kUntitledFlag | kSkipQuestionsFlag | kDirtyFlag);
-    if (documentFlags_ & kDirtyAfterLoadFlag) {
-        documentFlags_ &= ~kDirtyAfterLoadFlag;
-        edits_.markUnsaved();
-        markDirty();
-    }
+    document_.setSongPath(path);
+    return document_.loadSongFile();
+}
+
+void Application::showNewSong()
+{
     transport_.moveToSongPosition(0);
     setTopBarMode(kSongMode);
     mainEditor_.setPattern(uint32_t(std::clamp(song_.view(0).value, 0, int32_t(Song::kPatterns) - 1)));
     refreshViews();
     mainEditor_.scrollHome();
     showPage(song_.editorShown() == 1 ? 1 : 0);
-    return 1;
 }
 
-void Application::markDirty()
+void Application::setTitle(std::u16string_view title)
 {
-    if (documentFlags_ & kDirtyFlag)
-        return;
-    documentFlags_ |= kDirtyFlag;
-    updateTitle();
-}
-
-void Application::updateTitle()
-{
-    const std::u16string mark = documentFlags_ & kDirtyFlag ? u"*" : u"";
-    if (documentFlags_ & kUntitledFlag) {
-        titleText_ = u"Pulsara - Untitled" + mark;
-    } else {
-        // The name runs from the last separator to the first dot after it.
-        std::u16string_view path = songPath_;
-        size_t slash = path.find_last_of(u"/\\");
-        std::u16string_view name = slash == std::u16string_view::npos ? path : path.substr(slash + 1);
-        songName_ = std::u16string(name.substr(0, name.find(u'.')));
-        titleText_ = u"Pulsara - " + songName_ + mark;
-    }
-    topBar_.setSongName(documentFlags_ & kUntitledFlag ? u"Untitled" + mark : songName_ + mark);
+    const std::u16string mark = document_.isDirty() ? u"*" : u"";
+    topBar_.setSongName((document_.flags() & kUntitledFlag ? u"Untitled" : document_.songName()) + mark);
     if (NativeWindow* window = windowHandle())
-        window->setTitle(titleText_);
+        window->setTitle(title);
+}
+
+void Application::storeViewState()
+{
+    song_.view(0) = { int32_t(mainEditor_.pattern()), { mainEditor_.grid(0).firstColumn(), mainEditor_.grid(0).firstRow() } };
+    song_.view(1) = { 0, { mainEditor_.grid(1).firstColumn(), mainEditor_.grid(1).firstRow() } };
+    song_.setEditorShown(mainEditor_.page());
+}
+
+bool Application::stopForExport()
+{
+    const bool wasRunning = transport_.isRunning();
+    setPlaying(false);
+    transport_.close();
+    return wasRunning;
+}
+
+void Application::resumeAfterExport(bool wasRunning)
+{
+    setInterpolation(interpolation_);
+    if (wasRunning)
+        transport_.start();
+}
+
+bool Application::exportSong(std::u16string_view path)
+{
+    return ExportProgress::run(song_.player(), path);
+}
+
+void Application::closeWindow()
+{
+    if (NativeWindow* window = windowHandle())
+        window->destroyWindow();
+}
+
+void Application::setTemplatesMenu(const std::vector<std::u16string>& names)
+{
+    NativeWindow* window = windowHandle();
+    if (!window)
+        return;
+    std::vector<PopupMenuItem> items;
+    for (size_t index = 0; index < names.size(); ++index)
+        items.push_back({ names[index], uint32_t(kFirstTemplateCommand + index) });
+    window->setMenuItemsAfter(kNewEmptyCommand, items);
 }
 
 // The song's numbers and their sliders.
@@ -276,7 +273,6 @@ void Application::refreshViews()
     page.instrumentPanel().showInstrument(page.editor().trackOfRow(row), page.editor().rowLabel(row));
     for (LiveRow& liveRow : livePanels_)
         liveRow.redraw();
-    updateTitle();
     followPlayback();
 }
 
@@ -496,7 +492,8 @@ intptr_t Application::onCreate(NativeWindow* window)
 {
     intptr_t result = RootElement::onCreate(window);
     checkMenuItem(kLiveactCommand, liveact_);
-    updateTitle();
+    document_.updateTitle();
+    document_.buildTemplatesMenu();
     followTimer_.setTimer(kFollowPeriodMs);
     return result;
 }
@@ -517,14 +514,26 @@ intptr_t Application::handleMessage(uint32_t message, uintptr_t wParam, intptr_t
         return 0;
     switch (message) {
     case kMessageKeyDown:
-        handleKey(uint32_t(wParam), lParam);
-        if (wParam == kKeyEscape && overlay()) {
-            clearOverlay();
+        // Escape closes a pop-up, else leaves the program as Exit does, asking to save first.
+        if (wParam == kKeyEscape) {
+            if (overlay())
+                clearOverlay();
+            else
+                document_.exitApp();
             return 0;
         }
+        handleKey(uint32_t(wParam), lParam);
         return RootElement::handleMessage(message, wParam, lParam);
     case kMessageCommand:
         handleCommand(uint32_t(wParam) & 0xFFFF);
+        return 0;
+    case kMessageClose:
+        document_.exitApp();
+        return 0;
+    case kMessageUser:
+        // Another start of the program opens a song: this one closes, unless the user keeps it.
+        if (!document_.askSaveChanges(u"Open from shell"))
+            closeWindow();
         return 0;
     default:
         return RootElement::handleMessage(message, wParam, lParam);
@@ -572,7 +581,33 @@ void Application::handleKey(uint32_t key, intptr_t)
 
 void Application::handleCommand(uint32_t id)
 {
+    if (id >= kFirstTemplateCommand && id <= kLastTemplateCommand) {
+        document_.newFromTemplate(id - kFirstTemplateCommand);
+        mainEditor_.command(id);
+        return;
+    }
     switch (id) {
+    case kNewEmptyCommand:
+        document_.newEmptySong();
+        break;
+    case kOpenCommand:
+        document_.openSong();
+        break;
+    case kSaveCommand:
+        document_.save();
+        break;
+    case kSaveAsCommand:
+        document_.saveAs();
+        break;
+    case kSaveNewVersionCommand:
+        document_.saveNewVersion();
+        break;
+    case kExportCommand:
+        document_.exportWav();
+        break;
+    case kExitCommand:
+        document_.exitApp();
+        break;
     case kLiveactCommand:
         toggleLiveact();
         break;

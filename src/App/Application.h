@@ -1,6 +1,7 @@
 #pragma once
 
 #include "App/PairDisplay.h"
+#include "App/SongDocument.h"
 #include "App/TopBar.h"
 #include "App/Transport.h"
 #include "GUI/BitmapButton.h"
@@ -34,14 +35,10 @@ class WaveDevice;
 // messages are handled here.
 //
 // GUI thread only, but for the meter notifications, which arrive on the audio device's thread.
-class Application : public RootElement, public EditorHost, private MeterListener {
+class Application : public RootElement, public EditorHost, private DocumentHost, private MeterListener {
 public:
-    // documentFlags
-    static constexpr uint32_t kDirtyFlag = 1;
-    static constexpr uint32_t kUntitledFlag = 2;
-    static constexpr uint32_t kSkipQuestionsFlag = 4;
-    static constexpr uint32_t kReleaseDeviceFlag = Transport::kReleaseDeviceFlag;
-    static constexpr uint32_t kDirtyAfterLoadFlag = 16;
+    static constexpr uint32_t kDirtyFlag = SongDocument::kDirtyFlag;
+    static constexpr uint32_t kUntitledFlag = SongDocument::kUntitledFlag;
 
     static constexpr float kMaxTempo = 300.0f;
     static constexpr int32_t kLiveRowHeight = 18;
@@ -52,8 +49,17 @@ public:
     static constexpr uint32_t kDrainLimitMs = 3000;
 
     enum Command : uint16_t {
+        kExitCommand = 40002,
+        kOpenCommand = 40012,
+        kSaveAsCommand = 40013,
+        kNewEmptyCommand = 40018,
+        kSaveCommand = 40019,
+        kSaveNewVersionCommand = 40020,
         kLiveactCommand = 40029,
         kSongPropertiesCommand = 40033,
+        kExportCommand = 40034,
+        kFirstTemplateCommand = 40200,
+        kLastTemplateCommand = 40299,
     };
 
     // The device is not owned; it plays what the transport renders.
@@ -63,19 +69,14 @@ public:
     // Everything that needs no window: the controls' skins, the tree, the song set up as the
     // program starts (tempo 150, master volume 0.7, 40 instruments at 0.7, an empty song).
     void initialise(int latencyMs);
-    // Loads a song file as the command line does; a file that cannot be read leaves an empty
-    // song. Returns 1 when loaded.
+    // Loads a song file, asking for the samples it names that are not where it says; a file
+    // that cannot be read leaves an empty song. Returns 1 when loaded.
     int loadSongFile(std::u16string_view path);
-    // An empty, untitled song.
-    void newEmptySong();
 
     void layout(const ElemRect&) override;
     int paint(DeviceContext*, uint32_t mode) override;
     intptr_t handleMessage(uint32_t message, uintptr_t wParam, intptr_t lParam) override;
 
-    // The song differs from its file: the dirty bit is set and the title shows it.
-    void markDirty();
-    void updateTitle();
     void setTempo(float beatsPerMinute);
     void setMasterVolume(float);
     void setInterpolation(bool on);
@@ -85,10 +86,10 @@ public:
     // Starts or stops playing, as the play button does.
     void setPlaying(bool);
 
-    uint32_t documentFlags() const { return documentFlags_; }
+    uint32_t documentFlags() const { return document_.flags(); }
     bool isLiveact() const { return liveact_; }
-    const std::u16string& titleText() const { return titleText_; }
-    const std::u16string& songPath() const { return songPath_; }
+    const std::u16string& titleText() const { return document_.title(); }
+    SongDocument& document() { return document_; }
     uint16_t focusedEditor() const { return focusedEditor_; }
     int32_t topBarMode() const { return topBarMode_; }
 
@@ -138,6 +139,16 @@ private:
         Application& application_;
     };
 
+    // DocumentHost
+    void showNewSong() override;
+    void setTitle(std::u16string_view) override;
+    void storeViewState() override;
+    bool stopForExport() override;
+    void resumeAfterExport(bool wasRunning) override;
+    bool exportSong(std::u16string_view path) override;
+    void closeWindow() override;
+    void setTemplatesMenu(const std::vector<std::u16string>& names) override;
+
     // Device callback thread: no allocation, locks, I/O or logging.
     void onPeaks(float left, float right) override;
     void onCpuLoad(float load) override;
@@ -156,14 +167,11 @@ private:
     Song song_;
     SongEdits edits_;
     Transport transport_;
+    SongDocument document_;
     MainEditor mainEditor_;
     PatternLengthPanel songProperties_;
-    uint32_t documentFlags_ = 0;
     bool interpolation_ = false;
     bool liveact_ = false;
-    std::u16string songPath_;
-    std::u16string songName_;
-    std::u16string titleText_;
     TopBar topBar_;
     TextButton pageButton0_ { u"Pattern", TextButton::Kind::Latch };
     TextButton pageButton1_ { u"Playlist", TextButton::Kind::Latch };

@@ -68,8 +68,12 @@ int runExport(const CommandLineOptions& options)
         std::u16string output = absolutePath(options.outputPath);
         presenter.setCurrentFile(output);
         WavExporter::Progress progress;
-        if (isatty(STDERR_FILENO))
-            progress = drawProgress;
+        if (isatty(STDERR_FILENO)) {
+            progress = [](uint64_t done, uint64_t total) {
+                drawProgress(done, total);
+                return true;
+            };
+        }
         return WavExporter().exportTo(song.player(), output, progress) ? kExitDone : kExitError;
     });
 }

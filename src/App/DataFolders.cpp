@@ -34,6 +34,11 @@ std::u16string samplesFolder()
     return documentsSubfolder("Pulsara");
 }
 
+std::u16string templatesFolder()
+{
+    return documentsSubfolder("Templates");
+}
+
 std::u16string dataFolder()
 {
     if (const char* overridden = std::getenv("PULSARA_DATA_DIR"); overridden && *overridden)

@@ -13,9 +13,8 @@ namespace pulsara {
 
 namespace {
 
-constexpr uint16_t kExitCommand = 40002;
-// The commands that work so far; the document commands follow.
-constexpr std::array<uint16_t, 3> kAvailable { kExitCommand, 40029, 40033 };
+// Settings, Help and About are yet to come.
+constexpr std::array<uint16_t, 3> kUnavailable { 40015, 40028, 40027 };
 
 } // namespace
 
@@ -27,14 +26,8 @@ MainWindow::MainWindow(RootElement& root, QUndoStack& history) : canvas_(root, t
     canvas_.setFocus();
     canvas_.buildMenus = [&root, &history](QMenuBar* menuBar) {
         return buildMenuBar(
-            menuBar, history,
-            [&root](uint16_t id) {
-                if (id == kExitCommand)
-                    root.handleMessage(kMessageClose, 0, 0);
-                else
-                    root.handleMessage(kMessageCommand, id, 0);
-            },
-            [](uint16_t id) { return std::find(kAvailable.begin(), kAvailable.end(), id) != kAvailable.end(); });
+            menuBar, history, [&root](uint16_t id) { root.handleMessage(kMessageCommand, id, 0); },
+            [](uint16_t id) { return std::find(kUnavailable.begin(), kUnavailable.end(), id) == kUnavailable.end(); });
     };
 }
 

@@ -266,15 +266,41 @@ uint32_t Canvas::trackPopupMenu(const std::vector<PopupMenuItem>& items, int32_t
     return chosen ? chosen->data().toUInt() : 0;
 }
 
-void Canvas::checkMenuItem(uint32_t commandId, bool checked)
+QAction* Canvas::menuAction(uint32_t commandId) const
 {
     if (!frame_)
-        return;
+        return nullptr;
     for (QAction* action : frame_->menuBar()->findChildren<QAction*>()) {
-        if (action->data().isValid() && action->data().toUInt() == commandId) {
-            action->setCheckable(true);
-            action->setChecked(checked);
-        }
+        if (action->data().isValid() && action->data().toUInt() == commandId)
+            return action;
+    }
+    return nullptr;
+}
+
+void Canvas::checkMenuItem(uint32_t commandId, bool checked)
+{
+    if (QAction* action = menuAction(commandId)) {
+        action->setCheckable(true);
+        action->setChecked(checked);
+    }
+}
+
+void Canvas::setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>& items)
+{
+    QAction* anchor = menuAction(anchorCommand);
+    QMenu* menu = anchor ? qobject_cast<QMenu*>(anchor->parent()) : nullptr;
+    if (!menu)
+        return;
+    const QList<QAction*> actions = menu->actions();
+    for (qsizetype index = actions.indexOf(anchor) + 1; index < actions.size(); ++index) {
+        menu->removeAction(actions[index]);
+        actions[index]->deleteLater();
+    }
+    for (const PopupMenuItem& item : items) {
+        QAction* action = menu->addAction(toQString(item.text));
+        const uint32_t id = item.commandId;
+        action->setData(id);
+        connect(action, &QAction::triggered, this, [this, id] { send(kMessageCommand, id); });
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <functional>
 
+class QAction;
 class QMainWindow;
 class QMenuBar;
 
@@ -42,6 +43,7 @@ public:
     void setTitle(std::u16string_view) override;
     uint32_t trackPopupMenu(const std::vector<PopupMenuItem>&, int32_t x, int32_t y) override;
     void checkMenuItem(uint32_t commandId, bool checked) override;
+    void setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>&) override;
     std::unique_ptr<PlatformTextEdit> createTextEdit() override;
 
 protected:
@@ -57,6 +59,7 @@ protected:
     void keyPressEvent(QKeyEvent*) override;
 
 private:
+    QAction* menuAction(uint32_t commandId) const;
     void sendCreateOnce();
     intptr_t send(uint32_t message, uintptr_t wParam = 0, intptr_t lParam = 0);
 

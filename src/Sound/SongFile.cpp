@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -109,7 +110,8 @@ int createTemporaryBeside(const std::string& target, std::string& name)
 }
 
 // Writes the bytes to a temporary file in the target's folder and renames it over the target,
-// so that the target holds either the old song or the whole new one.
+// so that the target holds either the old song or the whole new one. The old song stays as
+// <target>.bak: a second name for its file, made before the new one takes the target's name.
 bool replaceFile(const std::string& target, const std::vector<uint8_t>& bytes)
 {
     std::string temporaryName;
@@ -117,8 +119,14 @@ bool replaceFile(const std::string& target, const std::vector<uint8_t>& bytes)
     if (file.get() < 0)
         return false;
     bool written = writeAll(file.get(), bytes) && ::fsync(file.get()) == 0;
-    if (file.close() && written && ::rename(temporaryName.c_str(), target.c_str()) == 0)
-        return true;
+    if (file.close() && written) {
+        std::string backup = target + ".bak";
+        ::unlink(backup.c_str());
+        if (::link(target.c_str(), backup.c_str()) != 0 && errno != ENOENT)
+            ::unlink(backup.c_str());
+        if (::rename(temporaryName.c_str(), target.c_str()) == 0)
+            return true;
+    }
     ::unlink(temporaryName.c_str());
     return false;
 }
@@ -145,10 +153,16 @@ int loadSong(Song& song, std::u16string_view path, SampleLocator& locator)
 int saveSong(Song& song, std::u16string_view path, SampleLocator& locator)
 {
     std::vector<uint8_t> bytes = SongWriter(song, locator, path).write();
-    // A song that cannot be put in place is fatal: that is the program's choice.
-    if (!replaceFile(nativePath(path), bytes))
-        reportError(&errorContext(), kFatal, kSource, kCantSaveLine, u"cant open kvSong file to save");
-    return 1;
+    // A save that fails leaves the old file as it was and the song in the program unsaved, so
+    // that nothing is lost; the user hears why and can save elsewhere.
+    if (replaceFile(nativePath(path), bytes))
+        return 1;
+    std::u16string message = u"cant open kvSong file to save \"";
+    message += path;
+    message += u"\": ";
+    message += fromUtf8(std::strerror(errno));
+    reportError(&errorContext(), kRecoverable, kSource, kCantSaveLine, message);
+    return 0;
 }
 
 } // namespace pulsara

@@ -10,12 +10,15 @@
 #include <memory>
 #include <vector>
 
+#include <sys/stat.h>
+
 namespace pulsara {
 
 namespace {
 
 constexpr const char* kSource = "Sound/fileOut";
 constexpr int kCreateLine = 14;
+constexpr int kWriteLine = 15;
 constexpr uint16_t kBitsPerSample = 16;
 
 struct FileCloser {
@@ -84,7 +87,8 @@ int WavExporter::exportTo(SoundSource& source, std::u16string_view path, const P
     uint64_t maxFrames = (0xFFFFFFFFull - kHeaderBytes) / (channels * 2ull);
     uint64_t total = std::min(source.lengthInFrames(), maxFrames);
     auto header = makeHeader(format.sampleRate, static_cast<uint16_t>(channels), static_cast<uint32_t>(total * channels * 2));
-    std::fwrite(header.data(), 1, header.size(), file.get());
+    bool written = std::fwrite(header.data(), 1, header.size(), file.get()) == header.size();
+    bool cancelled = false;
 
     uint32_t block = blockFrames(format.sampleRate);
     std::vector<float> mix(static_cast<std::size_t>(block) * channels);
@@ -94,7 +98,7 @@ int WavExporter::exportTo(SoundSource& source, std::u16string_view path, const P
 
     source.seek(0);
     source.start();
-    for (uint64_t remaining = total; remaining > 0 && block > 0;) {
+    for (uint64_t remaining = total; remaining > 0 && block > 0 && written && !cancelled;) {
         auto frames = static_cast<uint32_t>(std::min<uint64_t>(block, remaining));
         std::size_t count = static_cast<std::size_t>(frames) * channels;
         source.render(mix.data(), frames, channels);
@@ -110,13 +114,28 @@ int WavExporter::exportTo(SoundSource& source, std::u16string_view path, const P
                 pcm[j] = toPcm(mix[j], gain);
             }
         }
-        std::fwrite(pcm.data(), sizeof(int16_t), count, file.get());
+        written = std::fwrite(pcm.data(), sizeof(int16_t), count, file.get()) == count;
         remaining -= frames;
-        if (progress)
-            progress(total - remaining, total);
+        if (progress && !progress(total - remaining, total))
+            cancelled = true;
     }
     source.stop();
-    return 1;
+    // A full disk may only show when the buffered bytes go out.
+    written = std::fclose(file.release()) == 0 && written;
+    if (written && !cancelled)
+        return 1;
+    // Only a file of our own goes; a device such as /dev/full stays where it is.
+    std::string native = nativePath(path);
+    struct stat info {};
+    if (::stat(native.c_str(), &info) == 0 && S_ISREG(info.st_mode))
+        std::remove(native.c_str());
+    if (!written) {
+        std::u16string message = u"can't write file \"";
+        message += path;
+        message += u'"';
+        reportError(&errorContext(), kRecoverable, kSource, kWriteLine, message);
+    }
+    return 0;
 }
 
 } // namespace pulsara

@@ -16,11 +16,13 @@ public:
     static constexpr uint32_t kBlockMs = 200;
     static constexpr uint32_t kFadeMs = 30;
 
-    // Told after every block: frames written so far and the total.
-    using Progress = std::function<void(uint64_t done, uint64_t total)>;
+    // Told after every block: frames written so far and the total. Returning false cancels the
+    // export.
+    using Progress = std::function<bool(uint64_t done, uint64_t total)>;
 
-    // Returns 1 when the file could be created (the writes themselves are not checked), else
-    // reports "can't create file" and returns 0.
+    // Returns 1 when the whole file was written. A file that cannot be created is reported as
+    // "can't create file"; a write that fails (a full disk) as "can't write file" with the path.
+    // A failed or cancelled export removes what it had written and returns 0.
     int exportTo(SoundSource&, std::u16string_view path, const Progress& = {});
 
     // Frames in a block at `sampleRate`: 200 ms rounded down to a multiple of 32.

@@ -75,6 +75,7 @@ public:
         return popupChoice;
     }
     void checkMenuItem(uint32_t id, bool checked) override { checkedItems[id] = checked; }
+    void setMenuItemsAfter(uint32_t anchor, const std::vector<PopupMenuItem>& items) override { menuItemsAfter[anchor] = items; }
     std::unique_ptr<PlatformTextEdit> createTextEdit() override
     {
         auto edit = std::make_unique<FakeTextEdit>();
@@ -88,6 +89,7 @@ public:
     std::vector<PopupMenuItem> popupItems;
     ElemRect popupAt;
     std::map<uint32_t, bool> checkedItems;
+    std::map<uint32_t, std::vector<PopupMenuItem>> menuItemsAfter;
     FakeTextEdit* textEdit = nullptr;
 };
 

@@ -6,24 +6,28 @@
 
 using namespace pulsara;
 
+// Expected values are the products with 3.051851e-5f worked out in single precision.
 TEST(PcmConverter, ScalesSamplesByTheFloatNearestOneOver32767)
 {
-    EXPECT_EQ(PcmConverter::fromPcm16(0), 0.0f);
-    EXPECT_EQ(PcmConverter::fromPcm16(32767), 32767 * 3.051851e-5f);
-    EXPECT_EQ(PcmConverter::fromPcm16(-32768), -32768 * 3.051851e-5f);
-    EXPECT_EQ(PcmConverter::fromPcm16(-1), -3.051851e-5f);
-    // 8-bit samples are centred on 128 and widened to 16 bits.
-    EXPECT_EQ(PcmConverter::fromPcm8(128), 0.0f);
-    EXPECT_EQ(PcmConverter::fromPcm8(0), -32768 * 3.051851e-5f);
-    EXPECT_EQ(PcmConverter::fromPcm8(255), 32512 * 3.051851e-5f);
-    EXPECT_EQ(PcmConverter::fromPcm8(129), 256 * 3.051851e-5f);
+    const std::pair<float, float> cases[] = {
+        { PcmConverter::fromPcm16(0), 0.0f },
+        { PcmConverter::fromPcm16(32767), 1.0f },
+        { PcmConverter::fromPcm16(-32768), -1.000030517578125f },
+        { PcmConverter::fromPcm16(-1), -3.0518509447574615e-05f },
+        // 8-bit samples are centred on 128 and widened to 16 bits.
+        { PcmConverter::fromPcm8(128), 0.0f },
+        { PcmConverter::fromPcm8(0), -1.000030517578125f },
+        { PcmConverter::fromPcm8(255), 0.9922177791595459f },
+        { PcmConverter::fromPcm8(129), 0.007812738418579102f },
+    };
+    for (std::size_t i = 0; i < std::size(cases); ++i)
+        EXPECT_EQ(cases[i].first, cases[i].second) << "case " << i;
 }
 
-TEST(PcmConverter, ReadsEightBitFramesByteByByte)
+TEST(PcmConverter, MixesEightBitStereoFramesToMonoByteByByte)
 {
     const std::vector<uint8_t> bytes { 0, 128, 255, 129 };
     std::vector<float> out(2);
     PcmConverter(8, 2, 1).convert(bytes.data(), 2, out.data());
-    EXPECT_EQ(out[0], (PcmConverter::fromPcm8(0) + 0.0f) * 0.5f);
-    EXPECT_EQ(out[1], (PcmConverter::fromPcm8(255) + PcmConverter::fromPcm8(129)) * 0.5f);
+    EXPECT_EQ(out, (std::vector<float> { -0.5000152587890625f, 0.5000152587890625f }));
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 // Helpers shared by the song file tests: a builder of song file bytes, a sample locator that
-// records what it is asked, a presenter for death tests, and a scratch folder.
+// records what it is asked, a song with every setting changed, and a presenter for death tests.
 
 #include "Sound/SampleLocator.h"
 #include "Sound/Song.h"
@@ -14,10 +14,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -130,39 +127,6 @@ public:
         std::fprintf(stderr, "%s %s:%d %s\n", toUtf8(report.caption()).c_str(), report.source ? report.source : "",
             report.line, toUtf8(report.message).c_str());
     }
-};
-
-// A folder of its own under the system's temporary folder, removed with everything in it.
-class ScratchFolder {
-public:
-    ScratchFolder()
-    {
-        static int count = 0;
-        path_ = std::filesystem::temp_directory_path()
-            / ("pulsara_songfile_" + std::to_string(::getpid()) + "_" + std::to_string(count++));
-        std::filesystem::remove_all(path_);
-        std::filesystem::create_directories(path_);
-    }
-    ~ScratchFolder() { std::filesystem::remove_all(path_); }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    const std::filesystem::path& path() const { return path_; }
-    std::u16string file(const std::string& name) const { return fromUtf8((path_ / name).string()); }
-    void write(const std::string& name, const std::vector<uint8_t>& bytes) const
-    {
-        std::filesystem::create_directories((path_ / name).parent_path());
-        std::ofstream(path_ / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
-    std::vector<uint8_t> read(const std::string& name) const
-    {
-        std::ifstream in(path_ / name, std::ios::binary);
-        return { std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>() };
-    }
-
-private:
-    std::filesystem::path path_;
 };
 
 } // namespace pulsara::testing

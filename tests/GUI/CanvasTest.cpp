@@ -52,7 +52,7 @@ struct ShownCanvas {
         frame.setCentralWidget(&canvas);
         frame.resize(320, 240);
         frame.show();
-        test::runEventLoopFor(50);
+        EXPECT_TRUE(test::processEventsUntil([this] { return root.count(kMessagePaint) > 0; }));
     }
     void sendMouse(QEvent::Type type, QPoint at)
     {
@@ -101,7 +101,7 @@ TEST(Canvas, TurnsMouseAndKeysIntoStylusMessagesWithCapture)
     QCoreApplication::sendEvent(&shown.canvas, &escape);
     EXPECT_EQ(shown.root.count(kMessageKeyDown), 1);
     // The quit Escape posted is delivered here, where no event loop runs that it could end.
-    test::runEventLoopFor(50);
+    QCoreApplication::processEvents();
 }
 
 TEST(Canvas, ShowsTheBackBufferAndRepaintsOnlyInvalidatedParts)

@@ -20,14 +20,15 @@ inline QApplication& testApplication()
     return *application;
 }
 
-// Runs the event loop for the given time, or until `done` holds.
-template <typename Done = bool (*)()>
-void runEventLoopFor(int milliseconds, Done done = [] { return false; })
+// Runs the event loop until `done` holds, for five seconds at most; returns whether it holds.
+template <typename Done>
+bool processEventsUntil(Done done)
 {
     QElapsedTimer clock;
     clock.start();
-    while (clock.elapsed() < milliseconds && !done())
+    while (!done() && clock.elapsed() < 5000)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    return done();
 }
 
 } // namespace pulsara::test

@@ -1,13 +1,12 @@
 #pragma once
 
-// Helpers shared by the song file tests: a builder of song file bytes, a sample locator that
-// records what it is asked, a song with every setting changed, and a presenter for death tests.
+// Helpers shared by the song file tests: a builder of song file bytes, a song with every
+// setting changed, and a presenter for death tests.
 
-#include "Sound/SampleLocator.h"
 #include "Sound/Song.h"
-#include "Sound/StoredSamplePath.h"
 #include "base/ErrorReporter.h"
 #include "base/text.h"
+#include "support/RecordingLocator.h"
 #include "support/ReportRecorder.h"
 
 #include <algorithm>
@@ -20,6 +19,7 @@
 
 namespace pulsara::testing {
 
+using test::RecordingLocator;
 using test::ReportRecorder;
 
 // Song file bytes, written the long way so that a test reads like the format description.
@@ -69,23 +69,6 @@ public:
     }
 
     std::vector<uint8_t> bytes;
-};
-
-// Loads nothing: remembers which stored names the reader asked for. Stores sample paths by the
-// program's rule with `samplesFolder` as the second base.
-class RecordingLocator : public SampleLocator {
-public:
-    void locateSample(Song&, std::u16string_view storedName, uint32_t instrument) override
-    {
-        located.emplace_back(std::u16string(storedName), instrument);
-    }
-    PathString storedSamplePath(std::u16string_view samplePath, std::u16string_view songPath) override
-    {
-        return makeStoredSamplePath(samplePath, songPath, samplesFolder);
-    }
-
-    std::u16string samplesFolder;
-    std::vector<std::pair<std::u16string, uint32_t>> located;
 };
 
 // Sets every setting of `song` away from its default and shows it in another order: display

@@ -2,6 +2,7 @@
 
 #include "support/ReportRecorder.h"
 #include "support/ScratchFolder.h"
+#include "support/ScriptedSource.h"
 
 #include <gtest/gtest.h>
 
@@ -11,37 +12,30 @@ using namespace pulsara;
 
 namespace {
 
-// Renders the same value into every sample and records the block sizes it was asked for.
-class ConstantSource final : public SoundSource {
-public:
-    ConstantSource(AudioFormat format, uint64_t length, std::vector<float> perChannel)
-        : format_(format)
-        , length_(length)
-        , values_(std::move(perChannel))
+// Plays the scripted values for `length` frames and records what the exporter asked of it.
+struct RecordingSource final : pulsara::testing::ScriptedSource {
+    RecordingSource(AudioFormat audioFormat, uint64_t frames, std::vector<float> perChannel)
+        : format(audioFormat)
+        , length(frames)
     {
+        tail = std::move(perChannel);
+        setFormat(&format);
     }
-    void setFormat(const AudioFormat* format) override { format_ = *format; }
-    const AudioFormat* format() const override { return &format_; }
     void render(float* out, uint32_t frames, uint32_t channels) override
     {
         blocks.push_back(frames);
-        for (uint32_t i = 0; i < frames * channels; ++i)
-            out[i] = values_[i % channels];
+        ScriptedSource::render(out, frames, channels);
     }
-    uint64_t lengthInFrames() const override { return length_; }
+    uint64_t lengthInFrames() const override { return length; }
     void seek(uint64_t frame) override { seeks.push_back(frame); }
     void start() override { ++starts; }
     void stop() override { ++stops; }
 
+    AudioFormat format;
+    uint64_t length;
     std::vector<uint32_t> blocks;
     std::vector<uint64_t> seeks;
-    int starts = 0;
-    int stops = 0;
-
-private:
-    AudioFormat format_;
-    uint64_t length_;
-    std::vector<float> values_;
+    int starts = 0, stops = 0;
 };
 
 // Exports the source and returns the file's samples after the header.
@@ -73,7 +67,7 @@ TEST(WavExporter, WritesA16BitPcmHeaderInTheSourceFormat)
     };
     for (const auto& c : cases) {
         test::ScratchFolder folder;
-        ConstantSource source(c.format, c.frames, { 0.0f, 0.0f });
+        RecordingSource source(c.format, c.frames, { 0.0f, 0.0f });
         EXPECT_EQ(WavExporter().exportTo(source, folder.file("out.wav")), 1);
         std::vector<uint8_t> bytes = folder.read("out.wav");
         ASSERT_EQ(bytes.size(), 46u + c.frames * c.format.channels * 2);
@@ -83,7 +77,7 @@ TEST(WavExporter, WritesA16BitPcmHeaderInTheSourceFormat)
 
 TEST(WavExporter, RendersFromTheStartIn200MillisecondBlocks)
 {
-    ConstantSource source({ 44100, 32, 1 }, 20000, { 0.0f });
+    RecordingSource source({ 44100, 32, 1 }, 20000, { 0.0f });
     exportedSamples(source);
     EXPECT_EQ(WavExporter::blockFrames(22050), 4384u); // 4410 rounded down to a multiple of 32
     EXPECT_EQ(source.blocks, (std::vector<uint32_t> { 8800, 8800, 2400 }));
@@ -94,14 +88,14 @@ TEST(WavExporter, RendersFromTheStartIn200MillisecondBlocks)
 
 TEST(WavExporter, ClipsToFullScaleTruncatesAndFadesTheLastThirtyMilliseconds)
 {
-    ConstantSource loud({ 44100, 32, 2 }, 5000, { 1.5f, -1.5f });
+    RecordingSource loud({ 44100, 32, 2 }, 5000, { 1.5f, -1.5f });
     std::vector<int16_t> samples = exportedSamples(loud);
     EXPECT_EQ(samples[0], 32767);
     EXPECT_EQ(samples[1], -32767);
-    ConstantSource quiet({ 44100, 32, 1 }, 5000, { 0.3f });
+    RecordingSource quiet({ 44100, 32, 1 }, 5000, { 0.3f });
     EXPECT_EQ(exportedSamples(quiet)[0], 9830); // 9830.1, truncated
     // The fade spans 1323 frames at 44100 Hz; a frame with n frames left has gain n / 1323.
-    ConstantSource full({ 44100, 32, 1 }, 10000, { 1.0f });
+    RecordingSource full({ 44100, 32, 1 }, 10000, { 1.0f });
     samples = exportedSamples(full);
     const std::pair<int, int16_t> framesLeft[] = { { 1324, 32767 }, { 1323, 32767 }, { 1322, 32742 }, { 700, 17337 }, { 1, 24 } };
     for (auto [left, expected] : framesLeft)
@@ -111,7 +105,7 @@ TEST(WavExporter, ClipsToFullScaleTruncatesAndFadesTheLastThirtyMilliseconds)
 TEST(WavExporter, UncreatableFileIsReported)
 {
     test::ReportRecorder reports;
-    ConstantSource source({ 44100, 32, 1 }, 100, { 0.0f });
+    RecordingSource source({ 44100, 32, 1 }, 100, { 0.0f });
     EXPECT_EQ(WavExporter().exportTo(source, u"/nonexistent-folder/out.wav"), 0);
     EXPECT_EQ(reports.last().message, u"can't create file");
     EXPECT_EQ(reports.last().source, "Sound/fileOut");

@@ -76,6 +76,8 @@ TEST(BitmapButton, IsOneStateLargeDrawsTheHalfOfItsStateAndKindsAnswerTapsDiffer
     }
 }
 
+// A meter stores whole segments, lights them from the lit half of its bitmap, and a value set
+// on another thread marks it changed for the repaint timer.
 TEST(LevelMeter, KeepsWholeSegmentsAndLightsThemFromTheLitHalfOfTheBitmap)
 {
     LevelMeter five(5);
@@ -89,27 +91,17 @@ TEST(LevelMeter, KeepsWholeSegmentsAndLightsThemFromTheLitHalfOfTheBitmap)
     meter.setBitmap(&bitmap);
     meter.place(0, 0);
     EXPECT_EQ(*meter.rect(), (ElemRect { 0, 0, 40, 4 }));
-    meter.setValue(0.6f); // two segments of four
-    QImage image = painted(meter, { 40, 4 });
-    EXPECT_EQ(image.pixel(19, 2), qRgb(0, 0, 255));
-    EXPECT_EQ(image.pixel(20, 2), qRgb(255, 0, 0));
-}
-
-TEST(LevelMeter, AValueSetOnAnotherThreadMarksItChangedForTheRepaintTimer)
-{
-    LevelMeter meter(10);
-    meter.layout({ 1, 2, 30, 4 });
     auto changed = [&] {
         QRegion region;
         meter.collectChanged(region);
         return region;
     };
-    meter.paint(nullptr, 0); // clears the dirty bit; no bitmap, nothing drawn
-    EXPECT_TRUE(changed().isEmpty());
-    std::thread([&] { meter.setValue(0.5f); }).join();
-    EXPECT_EQ(changed(), QRegion(1, 2, 30, 4));
-    meter.paint(nullptr, 2);
-    EXPECT_TRUE(changed().isEmpty());
+    std::thread([&] { meter.setValue(0.6f); }).join(); // two segments of four
+    EXPECT_EQ(changed(), QRegion(0, 0, 40, 4));
+    QImage image = painted(meter, { 40, 4 });
+    EXPECT_EQ(image.pixel(19, 2), qRgb(0, 0, 255));
+    EXPECT_EQ(image.pixel(20, 2), qRgb(255, 0, 0));
+    EXPECT_TRUE(changed().isEmpty()) << "painting clears the mark";
 }
 
 TEST(NumericDisplay, ShowsItsDigitsWithLeadingZeros)

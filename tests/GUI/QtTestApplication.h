@@ -20,14 +20,21 @@ inline QApplication& testApplication()
     return *application;
 }
 
+// Runs the event loop for the given time, or until `done` holds.
+template <typename Done = bool (*)()>
+void runEventLoopFor(int milliseconds, Done done = [] { return false; })
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < milliseconds && !done())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+}
+
 // Runs the event loop until `done` holds, for five seconds at most; returns whether it holds.
 template <typename Done>
 bool processEventsUntil(Done done)
 {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done() && clock.elapsed() < 5000)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    runEventLoopFor(5000, done);
     return done();
 }
 

@@ -62,7 +62,7 @@ struct ShownCanvas {
     }
 };
 
-TEST(Canvas, CreatesSizesPaintsAndClosesTheRootThroughItsMessages)
+TEST(Canvas, CreatesSizesPaintsAndClosesTheRootThroughItsMessagesAndRepaintsOnlyInvalidatedParts)
 {
     for (bool refuseClose : { false, true }) {
         ShownCanvas shown(refuseClose);
@@ -75,6 +75,15 @@ TEST(Canvas, CreatesSizesPaintsAndClosesTheRootThroughItsMessages)
         EXPECT_EQ(*shown.root.rect(), (ElemRect { 0, 0, shown.canvas.width(), shown.canvas.height() }));
         EXPECT_GT(shown.canvas.menuBarHeight(), 0);
         EXPECT_EQ(shown.root.backBuffer().image().size(), shown.canvas.size());
+        // Pixels the root presents are shown without another paint message; an invalidated
+        // part needs one.
+        int paints = shown.root.count(kMessagePaint);
+        shown.canvas.present(QRegion(0, 0, 10, 10));
+        shown.canvas.repaint(0, 0, 10, 10);
+        EXPECT_EQ(shown.root.count(kMessagePaint), paints);
+        shown.canvas.invalidate({ 0, 0, 10, 10 });
+        shown.canvas.repaint(0, 0, 10, 10);
+        EXPECT_EQ(shown.root.count(kMessagePaint), paints + 1);
         // A root that does not destroy the window keeps it open.
         EXPECT_EQ(shown.frame.close(), !refuseClose);
         EXPECT_EQ(shown.root.count(kMessageClose), 1);
@@ -102,19 +111,6 @@ TEST(Canvas, TurnsMouseAndKeysIntoStylusMessagesWithCapture)
     EXPECT_EQ(shown.root.count(kMessageKeyDown), 1);
     // The quit Escape posted is delivered here, where no event loop runs that it could end.
     QCoreApplication::processEvents();
-}
-
-TEST(Canvas, ShowsTheBackBufferAndRepaintsOnlyInvalidatedParts)
-{
-    ShownCanvas shown;
-    int paints = shown.root.count(kMessagePaint);
-    // Pixels the root presents are shown without another paint message; an invalidated part needs one.
-    shown.canvas.present(QRegion(0, 0, 10, 10));
-    shown.canvas.repaint(0, 0, 10, 10);
-    EXPECT_EQ(shown.root.count(kMessagePaint), paints);
-    shown.canvas.invalidate({ 0, 0, 10, 10 });
-    shown.canvas.repaint(0, 0, 10, 10);
-    EXPECT_EQ(shown.root.count(kMessagePaint), paints + 1);
 }
 
 } // namespace

@@ -49,13 +49,18 @@ struct CreatedRoot {
     QRgb pixel(int x, int y) const { return root.backBuffer().image().pixel(x, y); }
 };
 
-TEST(RootElement, CreateRemembersTheWindowBuildsTheMenuBarAndSizesBelowIt)
+TEST(RootElement, CreateBuildsTheMenuBarEscapeQuitsCloseDestroysTheWindowAndDestroyRemovesTheMenuBar)
 {
     CreatedRoot created;
     EXPECT_EQ(created.root.windowHandle(), &created.window);
     EXPECT_EQ(RootElement::mainWindow(), &created.window);
-    EXPECT_EQ(created.window.calls, (Log { "foreground", "createMenuBar" }));
-    EXPECT_EQ(*created.root.rect(), (ElemRect { 0, 0, 200, 100 }));
+    EXPECT_EQ(*created.root.rect(), (ElemRect { 0, 0, 200, 100 })); // below the menu bar
+    EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, 'A', 0), 0);
+    EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, kKeyEscape, 0), 0);
+    created.root.handleMessage(kMessageClose, 0, 0);
+    created.root.handleMessage(kMessageDestroy, 0, 0);
+    EXPECT_EQ(created.window.calls, (Log { "foreground", "createMenuBar", "quit", "destroyWindow", "destroyMenuBar", "quit" }));
+    EXPECT_EQ(created.root.handleMessage(kMessageEraseBackground, 0, 0), 0);
     EXPECT_EQ(CreatedRoot(false).window.calls.back(), "message SHCreateMenuBar Failed / error");
 }
 
@@ -77,19 +82,6 @@ TEST(RootElement, ButtonsCaptureTheStylusAndAnUpWithoutCaptureIsIgnored)
     // Position words are taken unsigned.
     EXPECT_EQ(positionX(packPosition(-1, 3)), 0xFFFF);
     EXPECT_EQ(positionY(packPosition(3, 40000)), 40000);
-}
-
-TEST(RootElement, EscapeQuitsCloseDestroysTheWindowAndDestroyRemovesTheMenuBar)
-{
-    CreatedRoot created;
-    created.window.calls.clear();
-    EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, 'A', 0), 0);
-    EXPECT_TRUE(created.window.calls.empty());
-    EXPECT_EQ(created.root.handleMessage(kMessageKeyDown, kKeyEscape, 0), 0);
-    created.root.handleMessage(kMessageClose, 0, 0);
-    created.root.handleMessage(kMessageDestroy, 0, 0);
-    EXPECT_EQ(created.window.calls, (Log { "quit", "destroyWindow", "destroyMenuBar", "quit" }));
-    EXPECT_EQ(created.root.handleMessage(kMessageEraseBackground, 0, 0), 0);
 }
 
 TEST(RootElement, PaintDrawsOnlyTheUpdateRegionIntoABackBufferOfTheRootsSize)

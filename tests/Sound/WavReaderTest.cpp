@@ -172,16 +172,6 @@ TEST_F(WavReaderTest, NamesTheSampleAfterItsFileAndForgetsItWhenTheNextCannotBeO
     }
 }
 
-TEST_F(WavReaderTest, ANewFormatReloadsTheFile)
-{
-    load(makeWav(1, 22050, 16, pcm16({ 32767, -32768 })), 44100);
-    ASSERT_EQ(sample.length(), 4);
-    AudioFormat stereo { 22050, 32, 2 };
-    sample.setFormat(&stereo);
-    EXPECT_EQ(frames(), (std::vector<float> { 1, 1, kMin, kMin, 0, 0 }));
-    EXPECT_EQ(sample.path().view(), folder.file("sample.wav"));
-}
-
 TEST(WavReaderDeathTest, LoadingWithoutAnOutputFormatIsFatal)
 {
     Sample sample;

@@ -80,18 +80,15 @@ TEST(SongFileWriter, WritesAStepAsTheFormatSpellsIt)
 {
     Song song;
     song.player().pattern(0).setCell(0, 5, { 0.7f, 1.0f, 0 });
-    // It follows the first (empty) playlist row; its row holds the step, the other 39 nothing.
-    std::vector<uint8_t> block = {
+    // After the first (empty) playlist row, the pattern's first row holds the step.
+    const std::vector<uint8_t> block = {
         0x0B, 0x00, 0x0D, 0x0B, //
         0x10, 0x03, 0x05, 0x00, 0x00, 0x00, //
         0x16, 0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF0, 0x3F, 0x00, // rate 1.0
         0x08, 0x04, 0x00, 0x00, 0x00, 0x60, 0x66, 0x66, 0xE6, 0x3F, 0x00, // volume 0.7f widened
         0x19, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, //
-        0x00, 0x00, //
+        0x00, 0x00, 0x0B, 0x00, //
     };
-    for (int row = 1; row < 40; ++row)
-        block.insert(block.end(), { 0x0B, 0x00 });
-    block.push_back(0x00);
     EXPECT_TRUE(contains(writeSong(song), block));
 }
 

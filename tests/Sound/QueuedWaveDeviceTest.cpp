@@ -77,7 +77,7 @@ struct OpenDevice : WaveDeviceListener {
 
 } // namespace
 
-TEST(QueuedWaveDevice, RefusesFormatsItCannotPlayAndStaysClosedWhenTheOutputFails)
+TEST(QueuedWaveDevice, RefusesFormatsAndBuffersItCannotPlayAndStaysClosedWhenTheOutputFails)
 {
     WaveFormat threeChannels = pcm(2), eightBit = pcm(1), badAlign = pcm(2);
     threeChannels.channels = 3;
@@ -91,22 +91,15 @@ TEST(QueuedWaveDevice, RefusesFormatsItCannotPlayAndStaysClosedWhenTheOutputFail
     OpenDevice failed(1, WaveResult::NoDevice);
     EXPECT_FALSE(failed.device.isOpen());
     EXPECT_TRUE(failed.messages.empty());
-    Buffer buffer({ 1, 2 });
-    EXPECT_EQ(failed.device.prepare(buffer.header), WaveResult::NotOpen);
-    EXPECT_EQ(failed.device.reset(), WaveResult::NotOpen);
+    Buffer unprepared({ 1, 2 });
+    EXPECT_EQ(failed.device.prepare(unprepared.header), WaveResult::NotOpen);
     EXPECT_EQ(failed.device.close(), WaveResult::NotOpen);
-    uint32_t frames = 0;
-    EXPECT_EQ(failed.device.position(frames), WaveResult::NotOpen);
-}
 
-TEST(QueuedWaveDevice, RefusesBuffersThatAreNotReady)
-{
     OpenDevice open(2);
     Buffer oddLength({ 1, 2, 3 });
     EXPECT_EQ(open.device.prepare(oddLength.header), WaveResult::InvalidBuffer);
     WaveHeader empty;
     EXPECT_EQ(open.device.prepare(empty), WaveResult::InvalidBuffer);
-    Buffer unprepared({ 1, 2 });
     EXPECT_EQ(open.device.write(unprepared.header), WaveResult::Unprepared);
     open.queue({ &unprepared });
     EXPECT_EQ(open.device.write(unprepared.header), WaveResult::StillPlaying);
@@ -122,9 +115,6 @@ TEST(QueuedWaveDevice, PlaysBuffersInOrderAcrossCallbacksAndReportsEachDone)
     EXPECT_TRUE(open.done.empty());
     EXPECT_EQ(open.device.pull(4), (Samples { 3, 4, 5, 0 }));
     EXPECT_EQ(open.done, (std::vector<WaveHeader*> { &first.header, &second.header }));
-    EXPECT_TRUE(first.header.has(WaveHeader::kDone));
-    EXPECT_FALSE(first.header.has(WaveHeader::kInQueue));
-    EXPECT_EQ(open.messages.front(), WaveMessage::Open);
     EXPECT_EQ(open.position(), 5u);
 }
 

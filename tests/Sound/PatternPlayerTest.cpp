@@ -51,7 +51,8 @@ TEST(PatternPlayerDeathTest, FramesPerStepWithoutAFormatIsFatal)
 }
 
 // Every step triggers exactly once at trunc(step * framesPerStep), whatever the block sizes:
-// blocks that end exactly on a step, on a pass end, mid-step, and blocks longer than a pass.
+// blocks that end exactly on a step, on a pass end, mid-step, and blocks longer than a pass;
+// and with fractional as with whole frames per step.
 TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
 {
     struct Case {
@@ -67,6 +68,7 @@ TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
              { 44100, 173.0f, 4, { 64, 1000, 7, 3000 } },
              { 22050, 300.0f, 1, { 8800, 13 } }, // a block spans several passes
              { 48000, 61.0f, 3, { 2047 } },
+             { 22050, 120.0f, 16, { 1234 } }, // a whole 11025 frames per step
          }) {
         LoopingRig rig(c.rate, 1, c.tempo);
         rig.player.setBeatsPerPattern(c.beats);
@@ -80,28 +82,6 @@ TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
         }
         EXPECT_EQ(soundingFrames(rig.render(3 * pass, c.blocks)), starts)
             << c.rate << " Hz, tempo " << c.tempo << ", block " << c.blocks[0];
-    }
-}
-
-// With a whole number of frames per step the steps of a block are those from
-// (position + fps - 1) / fps up to (position + n + fps - 1) / fps, at offset step * fps - position.
-TEST(PatternPlayer, WholeFramesPerStepFollowTheIntegerStepRange)
-{
-    LoopingRig rig;
-    rig.player.setTempo(120.0f); // 5512.5 frames per step at 44100 Hz; 22050 Hz makes it whole
-    AudioFormat half { 22050, 32, 1 };
-    rig.player.setFormat(&half);
-    ASSERT_EQ(rig.player.framesPerStep(), 2756.25);
-    rig.player.setBeatsPerPattern(16); // 4 x 2756.25 = 11025
-    const uint64_t fps = 11025, pass = 16 * fps, block = 1234;
-    ASSERT_EQ(rig.player.framesPerStep(), static_cast<double>(fps));
-    rig.clickEveryStep().start();
-    for (uint64_t position = 0; position < 2 * pass; position += block) {
-        std::vector<uint64_t> expected;
-        uint64_t inPass = position % pass;
-        for (uint64_t step = (inPass + fps - 1) / fps; step < (inPass + block + fps - 1) / fps; ++step)
-            expected.push_back(step * fps - inPass);
-        EXPECT_EQ(soundingFrames(rig.render(block, { uint32_t(block) })), expected) << "block at " << position;
     }
 }
 

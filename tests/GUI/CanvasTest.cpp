@@ -54,10 +54,10 @@ struct ShownCanvas {
         frame.show();
         EXPECT_TRUE(test::processEventsUntil([this] { return root.count(kMessagePaint) > 0; }));
     }
-    void sendMouse(QEvent::Type type, QPoint at)
+    void sendMouse(QEvent::Type type, QPoint at, Qt::MouseButton button = Qt::RightButton)
     {
-        QMouseEvent event(type, QPointF(at), canvas.mapToGlobal(QPointF(at)), Qt::RightButton,
-            type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::RightButton, Qt::NoModifier);
+        QMouseEvent event(type, QPointF(at), canvas.mapToGlobal(QPointF(at)), button,
+            type == QEvent::MouseButtonRelease ? Qt::NoButton : button, Qt::NoModifier);
         QCoreApplication::sendEvent(&canvas, &event);
     }
 };
@@ -98,14 +98,19 @@ TEST(Canvas, TurnsMouseAndKeysIntoStylusMessagesWithCapture)
     Log log;
     test::RecordingElement child("child", log, { 0, 0, 100, 100 });
     shown.root.addChild(&child);
+    shown.sendMouse(QEvent::MouseButtonRelease, QPoint(5, 5)); // an up without capture is ignored
     shown.sendMouse(QEvent::MouseButtonPress, QPoint(10, 20));
     EXPECT_TRUE(shown.canvas.hasStylusCapture());
     shown.sendMouse(QEvent::MouseMove, QPoint(150, 120));
     shown.sendMouse(QEvent::MouseButtonRelease, QPoint(150, 120));
     EXPECT_FALSE(shown.canvas.hasStylusCapture());
-    EXPECT_EQ(log, (Log { "child.down1@10,20", "child.move", "child.up1" }));
+    shown.sendMouse(QEvent::MouseButtonPress, QPoint(1, 2), Qt::LeftButton);
+    EXPECT_EQ(log, (Log { "child.down1@10,20", "child.move", "child.up1", "child.down0@1,2" }));
     EXPECT_EQ(shown.root.count(kMessageRightButtonDown), 1);
-    EXPECT_EQ(shown.root.count(kMessageRightButtonUp), 1);
+    EXPECT_EQ(shown.root.count(kMessageRightButtonUp), 2);
+    // Position words are taken unsigned.
+    EXPECT_EQ(positionX(packPosition(-1, 3)), 0xFFFF);
+    EXPECT_EQ(positionY(packPosition(3, 40000)), 40000);
     QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     QCoreApplication::sendEvent(&shown.canvas, &escape);
     EXPECT_EQ(shown.root.count(kMessageKeyDown), 1);

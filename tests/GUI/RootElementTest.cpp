@@ -2,7 +2,6 @@
 #include "GUI/WindowMessage.h"
 #include "FakeWindow.h"
 #include "QtTestApplication.h"
-#include "RecordingElement.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +9,6 @@ namespace pulsara {
 namespace {
 
 using test::FakeWindow;
-using test::RecordingElement;
 using Log = std::vector<std::string>;
 
 // Fills its rectangle with one colour whenever it draws.
@@ -62,26 +60,6 @@ TEST(RootElement, CreateBuildsTheMenuBarEscapeQuitsCloseDestroysTheWindowAndDest
     EXPECT_EQ(created.window.calls, (Log { "foreground", "createMenuBar", "quit", "destroyWindow", "destroyMenuBar", "quit" }));
     EXPECT_EQ(created.root.handleMessage(kMessageEraseBackground, 0, 0), 0);
     EXPECT_EQ(CreatedRoot(false).window.calls.back(), "message SHCreateMenuBar Failed / error");
-}
-
-TEST(RootElement, ButtonsCaptureTheStylusAndAnUpWithoutCaptureIsIgnored)
-{
-    CreatedRoot created;
-    Log log;
-    RecordingElement child("child", log, { 0, 0, 50, 50 });
-    created.root.addChild(&child);
-    EXPECT_EQ(created.root.handleMessage(kMessageLeftButtonUp, 0, packPosition(5, 5)), 1);
-    EXPECT_TRUE(log.empty());
-    created.root.handleMessage(kMessageRightButtonDown, 0, packPosition(5, 6));
-    EXPECT_TRUE(created.window.capture);
-    created.root.handleMessage(kMessageMouseMove, 0, packPosition(300, 300));
-    EXPECT_EQ(created.root.handleMessage(kMessageRightButtonUp, 0, packPosition(7, 8)), 0);
-    EXPECT_FALSE(created.window.capture);
-    created.root.handleMessage(kMessageLeftButtonDown, 0, packPosition(1, 2));
-    EXPECT_EQ(log, (Log { "child.down1@5,6", "child.move", "child.up1", "child.down0@1,2" }));
-    // Position words are taken unsigned.
-    EXPECT_EQ(positionX(packPosition(-1, 3)), 0xFFFF);
-    EXPECT_EQ(positionY(packPosition(3, 40000)), 40000);
 }
 
 TEST(RootElement, PaintDrawsOnlyTheUpdateRegionIntoABackBufferOfTheRootsSize)

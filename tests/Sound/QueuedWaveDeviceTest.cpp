@@ -4,10 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
 #include <functional>
-#include <thread>
 #include <vector>
 
 using namespace pulsara;
@@ -38,7 +35,8 @@ struct Buffer {
 };
 
 // A device opened with itself as the listener, which keeps every message, or with `refill` set
-// hands each returned buffer to it instead (on whichever thread returned it).
+// hands each returned buffer to it instead. (The owner and the callback thread sharing the queue
+// is the transport race test's subject.)
 struct OpenDevice : WaveDeviceListener {
     explicit OpenDevice(uint16_t channels = 1, WaveResult output = WaveResult::Ok)
     {
@@ -192,38 +190,4 @@ TEST(QueuedWaveDevice, VolumeScalesEachChannelByItsWord)
     uint32_t volume = 0;
     open.device.volume(volume);
     EXPECT_EQ(volume, 0x80008000u);
-}
-
-TEST(QueuedWaveDevice, OwnerAndCallbackThreadsShareTheQueueSafely)
-{
-    // Every returned buffer goes straight back, as the output stream does, until told to stop.
-    OpenDevice open;
-    std::atomic<int> done { 0 };
-    std::atomic<bool> refilling { true };
-    open.refill = [&](WaveHeader* header) {
-        done.fetch_add(1);
-        if (refilling)
-            open.device.write(*header);
-    };
-    Buffer first(Samples(64, 1));
-    Buffer second(Samples(64, 2));
-    open.queue({ &first, &second });
-    std::atomic<bool> running { true };
-    std::thread callback([&] {
-        while (running)
-            open.device.pull(48);
-    });
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (done.load() < 200 && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::yield();
-    EXPECT_GE(done.load(), 200) << "the callback thread stopped playing";
-    EXPECT_EQ(open.device.close(), WaveResult::StillPlaying);
-    refilling = false;
-    open.device.pause();
-    EXPECT_EQ(open.device.reset(), WaveResult::Ok);
-    EXPECT_EQ(open.device.close(), WaveResult::Ok);
-    running = false;
-    callback.join();
-    EXPECT_FALSE(first.header.has(WaveHeader::kInQueue));
-    EXPECT_FALSE(second.header.has(WaveHeader::kInQueue));
 }

@@ -1,7 +1,6 @@
 #include "Sound/WavReader.h"
 
 #include "Sound/Sample.h"
-#include "base/ErrorReporter.h"
 #include "support/ReportRecorder.h"
 #include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
@@ -162,12 +161,11 @@ TEST_F(WavReaderTest, NamesTheSampleAfterItsFileAndForgetsItWhenTheNextCannotBeO
     std::u16string named = folder.write("kick.hard.wav", makeWav(1, 44100, 8, pcm8({ 1 })));
     ASSERT_EQ(sample.load(named), 0);
     EXPECT_EQ(sample.displayName(), u"kick");
-    EXPECT_EQ(errorContext().function, named);
     for (const std::u16string& path : { folder.file("missing.wav"), folder.path().u16string() }) {
         reports.clear();
         EXPECT_EQ(sample.load(path), 0);
         expectRefused("Sound/file", 125, u"can't open wave file");
-        EXPECT_EQ(errorContext().function, path);
+        // The error context names the file.
         EXPECT_NE(reports.last().text.find(path + u": 0() - can't open wave file"), std::u16string::npos);
     }
 }

@@ -15,8 +15,9 @@ using namespace pulsara::test;
 
 namespace {
 
-// Full scale as floats, worked out in single precision: 16-bit 32767 gives exactly 1,
-// -32768 (and 8-bit 0) a little under -1, 8-bit 255 a little under 1.
+// Samples are scaled by 3.051851e-5f, the float nearest 1/32767, 8-bit ones after widening to 16
+// bits around 128. Worked out in single precision, 16-bit 32767 gives exactly 1, -32768 (and
+// 8-bit 0) a little under -1, 8-bit 255 a little under 1.
 constexpr float kMin = -1.000030517578125f;
 constexpr float kMax8 = 0.9922177791595459f;
 
@@ -78,6 +79,8 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
         { "mono to stereo", makeWav(1, 48000, 16, pcm), 48000, 2, 0, 16, { 1, 1, kMin, kMin, 0, 0, 1, 1, 0, 0 } },
         { "stereo to mono", makeWav(2, 48000, 16, pcm), 48000, 1, 0, 16, { -1.52587890625e-05f, 0.5f, 0 } },
         { "stereo to stereo", makeWav(2, 48000, 16, pcm), 48000, 2, 0, 16, { 1, kMin, 0, 1, 0, 0 } },
+        { "8-bit stereo to mono", makeWav(2, 44100, 8, pcm8({ 0, 128, 255, 129 })), 44100, 1, 0, 8,
+            { -0.5000152587890625f, 0.5000152587890625f, 0 } },
         { "float in the output format", makeWav(2, 32000, 32, float32({ 0.25f, -0.5f, 1e-8f, 3.0f, -1.0f, 0.125f })),
             32000, 2, 1, 32, { 0.25f, -0.5f, 1e-8f, 3.0f, -1.0f, 0.125f, 0, 0 } },
         { "bits taken from the block align", floatSaid16, 44100, 1, 1, 32, { 0.5f, 0.75f, 0 } },

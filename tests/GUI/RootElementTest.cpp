@@ -59,6 +59,7 @@ TEST(RootElement, CreateBuildsTheMenuBarEscapeQuitsCloseDestroysTheWindowAndDest
     created.root.handleMessage(kMessageDestroy, 0, 0);
     EXPECT_EQ(created.window.calls, (Log { "foreground", "createMenuBar", "quit", "destroyWindow", "destroyMenuBar", "quit" }));
     EXPECT_EQ(created.root.handleMessage(kMessageEraseBackground, 0, 0), 0);
+    EXPECT_EQ(created.root.handleMessage(kMessageLeftButtonUp, 0, 0), 1) << "an up without capture is ignored";
     EXPECT_EQ(CreatedRoot(false).window.calls.back(), "message SHCreateMenuBar Failed / error");
 }
 

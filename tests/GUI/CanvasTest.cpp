@@ -52,17 +52,17 @@ struct ShownCanvas {
         frame.setCentralWidget(&canvas);
         frame.resize(320, 240);
         frame.show();
-        test::runEventLoopFor(50);
+        EXPECT_TRUE(test::processEventsUntil([this] { return root.count(kMessagePaint) > 0; }));
     }
-    void sendMouse(QEvent::Type type, QPoint at)
+    void sendMouse(QEvent::Type type, QPoint at, Qt::MouseButton button = Qt::RightButton)
     {
-        QMouseEvent event(type, QPointF(at), canvas.mapToGlobal(QPointF(at)), Qt::RightButton,
-            type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::RightButton, Qt::NoModifier);
+        QMouseEvent event(type, QPointF(at), canvas.mapToGlobal(QPointF(at)), button,
+            type == QEvent::MouseButtonRelease ? Qt::NoButton : button, Qt::NoModifier);
         QCoreApplication::sendEvent(&canvas, &event);
     }
 };
 
-TEST(Canvas, CreatesSizesPaintsAndClosesTheRootThroughItsMessages)
+TEST(Canvas, CreatesSizesPaintsAndClosesTheRootThroughItsMessagesAndRepaintsOnlyInvalidatedParts)
 {
     for (bool refuseClose : { false, true }) {
         ShownCanvas shown(refuseClose);
@@ -75,6 +75,15 @@ TEST(Canvas, CreatesSizesPaintsAndClosesTheRootThroughItsMessages)
         EXPECT_EQ(*shown.root.rect(), (ElemRect { 0, 0, shown.canvas.width(), shown.canvas.height() }));
         EXPECT_GT(shown.canvas.menuBarHeight(), 0);
         EXPECT_EQ(shown.root.backBuffer().image().size(), shown.canvas.size());
+        // Pixels the root presents are shown without another paint message; an invalidated
+        // part needs one.
+        int paints = shown.root.count(kMessagePaint);
+        shown.canvas.present(QRegion(0, 0, 10, 10));
+        shown.canvas.repaint(0, 0, 10, 10);
+        EXPECT_EQ(shown.root.count(kMessagePaint), paints);
+        shown.canvas.invalidate({ 0, 0, 10, 10 });
+        shown.canvas.repaint(0, 0, 10, 10);
+        EXPECT_EQ(shown.root.count(kMessagePaint), paints + 1);
         // A root that does not destroy the window keeps it open.
         EXPECT_EQ(shown.frame.close(), !refuseClose);
         EXPECT_EQ(shown.root.count(kMessageClose), 1);
@@ -89,32 +98,24 @@ TEST(Canvas, TurnsMouseAndKeysIntoStylusMessagesWithCapture)
     Log log;
     test::RecordingElement child("child", log, { 0, 0, 100, 100 });
     shown.root.addChild(&child);
+    shown.sendMouse(QEvent::MouseButtonRelease, QPoint(5, 5)); // an up without capture is ignored
     shown.sendMouse(QEvent::MouseButtonPress, QPoint(10, 20));
     EXPECT_TRUE(shown.canvas.hasStylusCapture());
     shown.sendMouse(QEvent::MouseMove, QPoint(150, 120));
     shown.sendMouse(QEvent::MouseButtonRelease, QPoint(150, 120));
     EXPECT_FALSE(shown.canvas.hasStylusCapture());
-    EXPECT_EQ(log, (Log { "child.down1@10,20", "child.move", "child.up1" }));
+    shown.sendMouse(QEvent::MouseButtonPress, QPoint(1, 2), Qt::LeftButton);
+    EXPECT_EQ(log, (Log { "child.down1@10,20", "child.move", "child.up1", "child.down0@1,2" }));
     EXPECT_EQ(shown.root.count(kMessageRightButtonDown), 1);
-    EXPECT_EQ(shown.root.count(kMessageRightButtonUp), 1);
+    EXPECT_EQ(shown.root.count(kMessageRightButtonUp), 2);
+    // Position words are taken unsigned.
+    EXPECT_EQ(positionX(packPosition(-1, 3)), 0xFFFF);
+    EXPECT_EQ(positionY(packPosition(3, 40000)), 40000);
     QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     QCoreApplication::sendEvent(&shown.canvas, &escape);
     EXPECT_EQ(shown.root.count(kMessageKeyDown), 1);
     // The quit Escape posted is delivered here, where no event loop runs that it could end.
-    test::runEventLoopFor(50);
-}
-
-TEST(Canvas, ShowsTheBackBufferAndRepaintsOnlyInvalidatedParts)
-{
-    ShownCanvas shown;
-    int paints = shown.root.count(kMessagePaint);
-    // Pixels the root presents are shown without another paint message; an invalidated part needs one.
-    shown.canvas.present(QRegion(0, 0, 10, 10));
-    shown.canvas.repaint(0, 0, 10, 10);
-    EXPECT_EQ(shown.root.count(kMessagePaint), paints);
-    shown.canvas.invalidate({ 0, 0, 10, 10 });
-    shown.canvas.repaint(0, 0, 10, 10);
-    EXPECT_EQ(shown.root.count(kMessagePaint), paints + 1);
+    QCoreApplication::processEvents();
 }
 
 } // namespace

@@ -22,36 +22,22 @@ struct Canvas {
         image.fill(Qt::white);
         dc.begin(&image);
     }
-    // The first and last columns that hold a non-white pixel.
-    std::pair<int, int> inkColumns()
-    {
-        dc.end();
-        int first = image.width(), last = -1;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                if (image.pixel(x, y) != kWhite) {
-                    first = std::min(first, x);
-                    last = std::max(last, x);
-                }
-        return { first, last };
-    }
 };
 
-TEST(TextPainter, ChoosesItsAlignmentByModeAndOverlongText)
+// The first and last columns of `image` that hold a non-white pixel.
+std::pair<int, int> inkColumns(const QImage& image)
 {
-    const std::tuple<int32_t, int, Qt::Alignment> cases[] = {
-        { TextPainter::kAuto, 50, Qt::AlignHCenter },
-        { TextPainter::kAuto, 51, Qt::AlignRight },
-        { TextPainter::kRight, 10, Qt::AlignRight },
-        { TextPainter::kLeft, 60, Qt::AlignLeft },
-        { 3, 60, Qt::AlignHCenter },
-        { 99, 10, Qt::AlignHCenter },
-    };
-    for (const auto& [mode, textWidth, expected] : cases) // in a box 50 wide
-        EXPECT_EQ(TextPainter::horizontalAlignment(mode, textWidth, 50), expected) << mode << " " << textWidth;
+    int first = image.width(), last = -1;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) != kWhite) {
+                first = std::min(first, x);
+                last = std::max(last, x);
+            }
+    return { first, last };
 }
 
-TEST(TextPainter, DrawsInTheBoxAsAlignedAndNothingWithoutText)
+TEST(TextPainter, AlignsByModeRightAlignsOverlongTextAndDrawsNothingWithoutText)
 {
     test::testApplication();
     auto inkFor = [&](int32_t mode, int boxWidth, const char16_t* text) {
@@ -59,23 +45,29 @@ TEST(TextPainter, DrawsInTheBoxAsAlignedAndNothingWithoutText)
         canvas.dc.setFont(QFont("Liberation Sans", 12));
         canvas.dc.setPen(Qt::black);
         TextPainter painter(mode);
-        if (text)
-            painter.setText(text);
+        painter.setText(text);
         painter.setDestination(&canvas.dc);
         EXPECT_EQ(painter.drawRect(10, 0, boxWidth, 40), text ? 1 : 0);
-        return canvas.inkColumns();
+        canvas.dc.end();
+        return inkColumns(canvas.image);
     };
+    // In a box from x = 10 to 49.
     EXPECT_LE(inkFor(TextPainter::kLeft, 40, u"Kick").first, 12);
     auto [rightFirst, rightLast] = inkFor(TextPainter::kRight, 40, u"Kick");
     EXPECT_GE(rightLast, 47);
     EXPECT_LE(rightLast, 49);
-    auto [centreFirst, centreLast] = inkFor(TextPainter::kAuto, 40, u"Kick");
-    EXPECT_NEAR((centreFirst + centreLast) / 2.0, 30, 2);
+    for (int32_t centred : { int32_t(TextPainter::kAuto), int32_t(TextPainter::kCentre), 99 }) {
+        auto [first, last] = inkFor(centred, 40, u"Kick");
+        EXPECT_NEAR((first + last) / 2.0, 30, 2) << "mode " << centred;
+    }
     // Too long for its box: right-aligned, its end visible at the box's edge, its beginning cut.
+    // (Leading spaces keep the ink at the end, where a centred text would have none.)
     auto [longFirst, longLast] = inkFor(TextPainter::kAuto, 12, u"Kick");
-    EXPECT_GE(longLast, 19);
-    EXPECT_LE(longLast, 21);
     EXPECT_EQ(longFirst, 10);
+    EXPECT_LE(longLast, 21);
+    auto [paddedFirst, paddedLast] = inkFor(TextPainter::kAuto, 12, u"            Kick");
+    EXPECT_GE(paddedLast, 19);
+    EXPECT_LE(paddedLast, 21);
     EXPECT_EQ(inkFor(TextPainter::kAuto, 40, nullptr).second, -1);
 }
 
@@ -120,8 +112,8 @@ TEST(RectAndLinePainter, StopShortOfTheRightAndBottomEdge)
     canvas.dc.end();
     const QRgb blue = qRgb(0, 0, 255), black = qRgb(0, 0, 0);
     test::expectPixels(canvas.image,
-        { { 5, 5, blue }, { 14, 12, blue }, { 15, 12, kWhite }, { 14, 13, kWhite }, { 9, 9, kWhite }, { 5, 30, black }, { 14, 30, black },
-            { 15, 30, kWhite }, { 4, 30, kWhite } });
+        { { 5, 5, blue }, { 14, 12, blue }, { 15, 12, kWhite }, { 14, 13, kWhite }, { 9, 9, kWhite }, { 5, 30, black },
+            { 14, 30, black }, { 15, 30, kWhite }, { 4, 30, kWhite } });
 }
 
 TEST(SkinBitmap, DrawRectCropsAndDrawPartCopiesFromItsSourceCorner)

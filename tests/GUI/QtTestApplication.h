@@ -30,4 +30,12 @@ void runEventLoopFor(int milliseconds, Done done = [] { return false; })
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
 }
 
+// Runs the event loop until `done` holds, for five seconds at most; returns whether it holds.
+template <typename Done>
+bool processEventsUntil(Done done)
+{
+    runEventLoopFor(5000, done);
+    return done();
+}
+
 } // namespace pulsara::test

@@ -21,10 +21,11 @@ struct FrameOnCanvas {
         frame.createBlank(nullptr, width, height);
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
-                frame.image().setPixel(x, y, qRgb(x * 20, y * 20, 7));
+                frame.image().setPixel(x, y, source(x, y));
         frame.setCorner(corner);
         canvas.fill(Qt::white);
     }
+    static QRgb source(int x, int y) { return qRgb(x * 20, y * 20, 7); }
     int draw(int x, int y, int w, int h)
     {
         QPainter dc(&canvas);
@@ -33,42 +34,33 @@ struct FrameOnCanvas {
     }
 };
 
-// The source coordinate that tiling puts at destination offset d of a span of `size`.
-int tiledSource(int d, int size, int corner, int bitmapSize)
-{
-    if (d < corner)
-        return d;
-    if (d >= size - corner)
-        return bitmapSize - (size - d);
-    return corner + (d - corner) % (bitmapSize - 2 * corner);
-}
-
 TEST(SkinFrame, TilesCornersEdgesAndCentreWithoutScaling)
 {
-    struct Case {
-        int bitmapWidth, bitmapHeight, corner, w, h;
+    // The source column of every destination column, and the source row of every row.
+    const struct {
+        int bitmapWidth, bitmapHeight, corner;
+        std::string columns, rows;
+    } cases[] = {
+        { 4, 5, 1, "012121213", "012314" }, // last pieces narrower than a tile
+        { 4, 5, 1, "0121212123", "01231234" }, // last pieces exactly a tile
+        { 8, 6, 2, "0167", "0145" }, // exactly 2c: the corners meet, no edges, no centre
+        { 8, 6, 2, "01234523452345234523467", "01232323232323245" },
+        { 4, 4, 1, "013", "013" }, // a centre of one pixel
     };
-    const Case cases[] = {
-        { 4, 5, 1, 9, 6 }, // last pieces narrower than a tile
-        { 4, 5, 1, 10, 8 }, // last pieces exactly a tile
-        { 8, 6, 2, 4, 4 }, // exactly 2c: the corners meet, no edges, no centre
-        { 8, 6, 2, 23, 17 },
-        { 4, 4, 1, 3, 3 }, // a centre of one pixel
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
+        int w = static_cast<int>(c.columns.size()), h = static_cast<int>(c.rows.size());
         FrameOnCanvas test(c.bitmapWidth, c.bitmapHeight, c.corner);
-        EXPECT_EQ(test.draw(3, 2, c.w, c.h), 1);
-        for (int dy = 0; dy < c.h; ++dy)
-            for (int dx = 0; dx < c.w; ++dx)
-                ASSERT_EQ(test.canvas.pixel(3 + dx, 2 + dy),
-                    qRgb(tiledSource(dx, c.w, c.corner, c.bitmapWidth) * 20, tiledSource(dy, c.h, c.corner, c.bitmapHeight) * 20, 7))
-                    << c.w << "x" << c.h << " at " << dx << "," << dy;
-        EXPECT_EQ(test.canvas.pixel(3 + c.w, 2), kWhite);
-        EXPECT_EQ(test.canvas.pixel(3, 2 + c.h), kWhite);
+        EXPECT_EQ(test.draw(3, 2, w, h), 1);
+        for (int dy = 0; dy < h; ++dy)
+            for (int dx = 0; dx < w; ++dx)
+                ASSERT_EQ(test.canvas.pixel(3 + dx, 2 + dy), FrameOnCanvas::source(c.columns[dx] - '0', c.rows[dy] - '0'))
+                    << w << "x" << h << " at " << dx << "," << dy;
+        EXPECT_EQ(test.canvas.pixel(3 + w, 2), kWhite);
+        EXPECT_EQ(test.canvas.pixel(3, 2 + h), kWhite);
     }
 }
 
-TEST(SkinFrame, RefusesOnlyWhenBothTileSidesAreEmpty)
+TEST(SkinFrame, RefusesOnlyWhenBothTileSidesAreEmptyAndDrawAtCopiesTheWholeBitmap)
 {
     FrameOnCanvas noTile(2, 2, 1);
     EXPECT_EQ(noTile.draw(0, 0, 10, 10), 0);
@@ -77,10 +69,18 @@ TEST(SkinFrame, RefusesOnlyWhenBothTileSidesAreEmpty)
     // Inner tile 2 x 0: corners and top and bottom edges are drawn, no sides and no centre.
     FrameOnCanvas flat(4, 2, 1);
     EXPECT_EQ(flat.draw(0, 0, 8, 6), 1);
-    EXPECT_EQ(flat.canvas.pixel(4, 0), qRgb(tiledSource(4, 8, 1, 4) * 20, 0, 7));
-    EXPECT_EQ(flat.canvas.pixel(4, 5), qRgb(tiledSource(4, 8, 1, 4) * 20, 20, 7));
+    EXPECT_EQ(flat.canvas.pixel(4, 0), FrameOnCanvas::source(2, 0));
+    EXPECT_EQ(flat.canvas.pixel(4, 5), FrameOnCanvas::source(2, 1));
     EXPECT_EQ(flat.canvas.pixel(0, 3), kWhite);
     EXPECT_EQ(flat.canvas.pixel(4, 3), kWhite);
+
+    FrameOnCanvas whole(8, 4, 1);
+    QPainter dc(&whole.canvas);
+    whole.frame.setDestination(&dc);
+    whole.frame.drawAt(10, 10);
+    dc.end();
+    EXPECT_EQ(whole.canvas.pixel(17, 13), FrameOnCanvas::source(7, 3));
+    EXPECT_EQ(whole.canvas.pixel(18, 13), kWhite);
 }
 
 TEST(SkinFrame, CornerIsClampedToHalfTheSmallerSideAlsoWhenLoading)
@@ -92,20 +92,8 @@ TEST(SkinFrame, CornerIsClampedToHalfTheSmallerSideAlsoWhenLoading)
     QTemporaryDir folder;
     test::writeFile(folder.filePath("thin.bmp"), encodeBmp24(QImage(4, 3, QImage::Format_RGB32)));
     SkinFrame frame;
-    EXPECT_EQ(frame.corner(), 2);
     frame.load(folder.filePath("thin.bmp").toStdU16String());
     EXPECT_EQ(frame.corner(), 1);
-}
-
-TEST(SkinFrame, DrawAtCopiesTheWholeBitmap)
-{
-    FrameOnCanvas test(8, 4, 1);
-    QPainter dc(&test.canvas);
-    test.frame.setDestination(&dc);
-    test.frame.drawAt(10, 10);
-    dc.end();
-    EXPECT_EQ(test.canvas.pixel(17, 13), qRgb(140, 60, 7));
-    EXPECT_EQ(test.canvas.pixel(18, 13), kWhite);
 }
 
 } // namespace

@@ -27,15 +27,6 @@ protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-TEST(Skin, FilePathIsInstallDirSkinsNameFile)
-{
-    Skin skin;
-    skin.setInstallDir(u"/usr/share/pulsara/");
-    EXPECT_EQ(std::u16string(skin.filePath(u"panel.bmp")), u"/usr/share/pulsara/Skins/Default/panel.bmp");
-    skin.setName(u"Night");
-    EXPECT_EQ(std::u16string(skin.filePath(u"back.bmp")), u"/usr/share/pulsara/Skins/Night/back.bmp");
-}
-
 TEST(Skin, LoadsEveryFileAndSetsUpFramesAndSteps)
 {
     QTemporaryDir folder;

@@ -1,115 +1,108 @@
 #include "GUI/Timer.h"
+#include "GUI/TimerDispatcher.h"
 #include "QtTestApplication.h"
 
+#include <QAbstractEventDispatcher>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <thread>
 #include <vector>
 
 namespace pulsara {
 namespace {
 
-// Records when it is called and answers from a script of results.
+// Answers from a script of results and records the keep value each call saw. The tests call
+// the common timer procedure themselves, as the platform timer would.
 class ScriptedTimer : public Timer {
 public:
-    explicit ScriptedTimer(std::vector<int32_t> script, int sleepMs = 0) : results(std::move(script)), sleepMs_(sleepMs)
-    {
-        test::testApplication();
-        clock.start();
-    }
+    explicit ScriptedTimer(std::vector<int32_t> script) : results(std::move(script)) { test::testApplication(); }
     std::vector<int32_t> results;
-    std::vector<qint64> callTimes;
-    std::vector<int32_t> keepValues; // as each call saw it
-    QElapsedTimer clock;
+    std::vector<int32_t> keepValues;
 
 protected:
     int32_t onTimer() override
     {
-        callTimes.push_back(clock.elapsed());
         keepValues.push_back(keepValue());
-        std::this_thread::sleep_for(std::chrono::milliseconds(sleepMs_));
-        return callTimes.size() <= results.size() ? results[callTimes.size() - 1] : -1;
+        return keepValues.size() <= results.size() ? results[keepValues.size() - 1] : -1;
     }
-
-private:
-    int sleepMs_;
 };
 
-// Captures what the timer writes to stderr while `act` runs.
-template <typename Act> std::string logOf(Act act)
+QList<QAbstractEventDispatcher::TimerInfo> platformTimers()
+{
+    return QAbstractEventDispatcher::instance()->registeredTimers(TimerDispatcher::instance());
+}
+
+// The id and period of the one platform timer running.
+std::pair<uint32_t, int> runningTimer()
+{
+    auto timers = platformTimers();
+    EXPECT_EQ(timers.size(), 1);
+    return timers.empty() ? std::pair { 0u, 0 } : std::pair { static_cast<uint32_t>(timers[0].timerId), timers[0].interval };
+}
+
+std::string logOf(const std::function<void()>& act)
 {
     testing::internal::CaptureStderr();
     act();
     return testing::internal::GetCapturedStderr();
 }
 
-TEST(Timer, RearmsAfterASlowCallbackFromTheStartOfThatCall)
+TEST(Timer, ZeroAndTheKeepValueKeepThePeriodAPositiveResultRearmsAndANegativeOneStops)
 {
-    ScriptedTimer timer({ 100, 100, -1 }, 30);
-    timer.setTimer(20);
-    test::runEventLoopFor(400);
-    ASSERT_EQ(timer.callTimes.size(), 3u);
-    // The 30 ms of work are inside the 100 ms, not added to them.
-    qint64 gap = timer.callTimes[1] - timer.callTimes[0];
-    EXPECT_GE(gap, 95);
-    EXPECT_LT(gap, 125);
-    EXPECT_FALSE(timer.isRunning());
-}
-
-TEST(Timer, KeepsItsPeriodOnZeroAndOnTheKeepValueAndStopsOnANegativeResultUntilSetAgain)
-{
-    ScriptedTimer timer({ 0, 7, 0, -1, -1 });
+    ScriptedTimer timer({ 0, 7, 40, -1 });
     timer.setTimer(10);
     timer.setKeepValue(7);
-    EXPECT_NE(timer.timerId(), 0u);
-    test::runEventLoopFor(200);
-    // Answering the keep value keeps the timer as it is rather than re-arming it.
-    EXPECT_EQ(timer.keepValues, (std::vector<int32_t> { 7, 7, 7, 7 }));
-    EXPECT_EQ(timer.timerId(), 0u);
+    uint32_t first = timer.timerId();
+    EXPECT_EQ(runningTimer(), std::pair(first, 10));
+    Timer::dispatch(first); // 0
+    Timer::dispatch(first); // the keep value
+    EXPECT_EQ(runningTimer(), std::pair(first, 10));
+    // The next call comes 40 ms after the start of this one: the time the call took is taken off.
+    uint32_t before = Timer::tickCount();
+    Timer::dispatch(first);
+    uint32_t took = Timer::tickCount() - before;
+    auto [id, period] = runningTimer(); // the old timer was stopped
+    EXPECT_EQ(id, timer.timerId());
+    EXPECT_LE(period, 40);
+    EXPECT_GE(period, 40 - static_cast<int>(took));
     EXPECT_EQ(timer.keepValue(), 0);
-    timer.setTimer(10);
-    test::runEventLoopFor(120);
-    EXPECT_EQ(timer.keepValues.size(), 5u);
-}
-
-TEST(Timer, SetTimerZeroStopsARunningTimer)
-{
-    ScriptedTimer timer(std::vector<int32_t>(100, 0));
+    Timer::dispatch(timer.timerId());
+    EXPECT_FALSE(timer.isRunning());
+    EXPECT_EQ(timer.keepValues, (std::vector<int32_t> { 7, 7, 7, 0 }));
+    EXPECT_TRUE(platformTimers().empty());
+    // setTimer(0) only stops, and says whether a timer was running.
     EXPECT_GT(timer.setTimer(10), 0);
     EXPECT_EQ(timer.setTimer(0), 1);
-    EXPECT_FALSE(timer.isRunning());
-    test::runEventLoopFor(60);
-    EXPECT_TRUE(timer.callTimes.empty());
+    EXPECT_TRUE(platformTimers().empty());
     EXPECT_EQ(timer.setTimer(0), 0);
 }
 
-TEST(Timer, LogsAnUnknownIdAndABaseCallbackWhichStops)
+TEST(Timer, ThePlatformTimerCallsThroughTheEventLoop)
+{
+    ScriptedTimer timer({ -1 });
+    timer.setTimer(1);
+    EXPECT_TRUE(test::processEventsUntil([&] { return !timer.keepValues.empty(); }));
+    EXPECT_FALSE(timer.isRunning());
+}
+
+// Timer faults go to the log: an unknown id, a timer without a callback (which then stops), and
+// a thread without Qt's event dispatcher, which cannot own a timer.
+TEST(Timer, LogsAnUnknownIdABaseCallbackAndATimerWithoutAnEventLoop)
 {
     test::testApplication();
     std::string log = logOf([] { Timer::dispatch(987654); });
     EXPECT_NE(log.find("TimerProc: timer nod found/no fTimerID\n"), std::string::npos);
     EXPECT_NE(log.find(" -1() - "), std::string::npos);
     Timer timer;
-    EXPECT_NE(logOf([&] {
-        timer.setTimer(5);
-        test::runEventLoopFor(60);
-    }).find("0() - no timer set\n"),
-        std::string::npos);
+    timer.setTimer(5);
+    EXPECT_NE(logOf([&] { Timer::dispatch(timer.timerId()); }).find("0() - no timer set\n"), std::string::npos);
     EXPECT_FALSE(timer.isRunning());
-}
-
-TEST(Timer, WithoutAnEventLoopTheTimerStaysStoppedAndLogs)
-{
-    // A thread without Qt's event dispatcher cannot own a timer.
-    std::string log;
     bool running = true;
-    std::thread worker([&] {
-        Timer timer;
-        log = logOf([&] { timer.setTimer(10); });
-        running = timer.isRunning();
-    });
-    worker.join();
+    std::thread([&] {
+        Timer elsewhere;
+        log = logOf([&] { elsewhere.setTimer(10); });
+        running = elsewhere.isRunning();
+    }).join();
     EXPECT_FALSE(running);
     EXPECT_NE(log.find("cant settimer\n"), std::string::npos);
 }

@@ -1,28 +1,25 @@
 #pragma once
 
-// Helpers shared by the song file tests: a builder of song file bytes, a sample locator that
-// records what it is asked, a presenter for death tests, and a scratch folder.
+// Helpers shared by the song file tests: a builder of song file bytes, a song with every
+// setting changed, and a presenter for death tests.
 
-#include "Sound/SampleLocator.h"
 #include "Sound/Song.h"
-#include "Sound/StoredSamplePath.h"
 #include "base/ErrorReporter.h"
 #include "base/text.h"
+#include "support/RecordingLocator.h"
 #include "support/ReportRecorder.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace pulsara::testing {
 
+using test::RecordingLocator;
 using test::ReportRecorder;
 
 // Song file bytes, written the long way so that a test reads like the format description.
@@ -74,23 +71,6 @@ public:
     std::vector<uint8_t> bytes;
 };
 
-// Loads nothing: remembers which stored names the reader asked for. Stores sample paths by the
-// program's rule with `samplesFolder` as the second base.
-class RecordingLocator : public SampleLocator {
-public:
-    void locateSample(Song&, std::u16string_view storedName, uint32_t instrument) override
-    {
-        located.emplace_back(std::u16string(storedName), instrument);
-    }
-    PathString storedSamplePath(std::u16string_view samplePath, std::u16string_view songPath) override
-    {
-        return makeStoredSamplePath(samplePath, songPath, samplesFolder);
-    }
-
-    std::u16string samplesFolder;
-    std::vector<std::pair<std::u16string, uint32_t>> located;
-};
-
 // Sets every setting of `song` away from its default and shows it in another order: display
 // position p shows instrument slot 39 - p and pattern (p + 10) % 40.
 inline void arrangeSong(Song& song)
@@ -130,39 +110,6 @@ public:
         std::fprintf(stderr, "%s %s:%d %s\n", toUtf8(report.caption()).c_str(), report.source ? report.source : "",
             report.line, toUtf8(report.message).c_str());
     }
-};
-
-// A folder of its own under the system's temporary folder, removed with everything in it.
-class ScratchFolder {
-public:
-    ScratchFolder()
-    {
-        static int count = 0;
-        path_ = std::filesystem::temp_directory_path()
-            / ("pulsara_songfile_" + std::to_string(::getpid()) + "_" + std::to_string(count++));
-        std::filesystem::remove_all(path_);
-        std::filesystem::create_directories(path_);
-    }
-    ~ScratchFolder() { std::filesystem::remove_all(path_); }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    const std::filesystem::path& path() const { return path_; }
-    std::u16string file(const std::string& name) const { return fromUtf8((path_ / name).string()); }
-    void write(const std::string& name, const std::vector<uint8_t>& bytes) const
-    {
-        std::filesystem::create_directories((path_ / name).parent_path());
-        std::ofstream(path_ / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
-    std::vector<uint8_t> read(const std::string& name) const
-    {
-        std::ifstream in(path_ / name, std::ios::binary);
-        return { std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>() };
-    }
-
-private:
-    std::filesystem::path path_;
 };
 
 } // namespace pulsara::testing

@@ -1,6 +1,7 @@
 #include "Sound/SongWriter.h"
 
 #include "SongFileTestSupport.h"
+#include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
 
 #include <gtest/gtest.h>
@@ -12,9 +13,8 @@ using namespace pulsara::testing;
 
 namespace {
 
-std::vector<uint8_t> writeSong(const Song& song)
+std::vector<uint8_t> writeSong(const Song& song, SampleLocator&& locator = RecordingLocator())
 {
-    RecordingLocator locator;
     return SongWriter(song, locator, u"/songs/a.kqu").write();
 }
 
@@ -23,95 +23,73 @@ bool contains(const std::vector<uint8_t>& bytes, const std::vector<uint8_t>& par
     return std::search(bytes.begin(), bytes.end(), part.begin(), part.end()) != bytes.end();
 }
 
-// The file the writer must produce for `song`, item by item, built independently of the writer
-// from the song's own accessors. Instruments have no samples here.
-SongBytes expectedFile(const Song& song)
+// The file of arrangeSong(), item by item: instruments and patterns in display order (slots
+// 39..0, patterns 10..39 then 0..9), each pattern's rows in instrument display order, names
+// only where there are names, empty sample paths.
+SongBytes arrangedFile()
 {
-    const SongPlayer& player = song.player();
-    SongBytes file = SongBytes().magic();
-    file.doubleItem(8, player.volume()).doubleItem(9, player.tempo()).longItem(14, song.stepsPerPattern());
-    for (uint8_t slot : song.instrumentOrder()) {
-        const Instrument& instrument = song.instrument(slot);
-        file.code(10);
-        if (!instrument.name().empty())
-            file.stringItem(26, instrument.name());
-        file.stringItem(15, u"").doubleItem(8, instrument.volume()).end();
-    }
-    for (uint8_t pattern : song.patternOrder()) {
-        file.code(11);
-        for (uint32_t column = 0; column < Song::kPositions; ++column) {
-            if (player.playlist().isOn(pattern, column))
-                file.longItem(16, column);
-        }
-        file.end().code(13);
-        if (!player.patternName(pattern).empty())
-            file.stringItem(26, player.patternName(pattern));
-        for (uint8_t row : song.instrumentOrder()) {
-            file.code(11);
-            for (uint32_t index = 0; index < 64; ++index) {
-                Step step = player.pattern(pattern).cell(row, index);
-                if (step.isNote())
-                    file.step(index, step.rate, step.volume, step.parameter);
-            }
-            file.end();
-        }
+    SongBytes file = SongBytes().magic().doubleItem(8, 0.45f).doubleItem(9, 97.5).longItem(14, 48);
+    file.code(10).stringItem(26, u"kick").stringItem(15, u"").doubleItem(8, 0.9f).end();
+    for (int slot = 38; slot > 0; --slot)
+        file.code(10).stringItem(15, u"").doubleItem(8, 0.7f).end();
+    file.code(10).stringItem(26, u"far away").stringItem(15, u"").doubleItem(8, 0.7f).end();
+    auto emptyRows = [&](int count) {
+        for (int row = 0; row < count; ++row)
+            file.code(11).end();
+    };
+    // Each pattern block follows its playlist row.
+    file.code(11).longItem(16, 0).longItem(16, 200).end().code(13).stringItem(26, u"intro");
+    file.code(11).step(0, 2.0f, 0.5f, 3).end();
+    emptyRows(38);
+    file.code(11).step(63, 0.25f, 1.0f, -7).end().end();
+    for (int pattern = 11; pattern != 9; pattern = (pattern + 1) % 40) {
+        file.code(11).end().code(13);
+        emptyRows(40);
         file.end();
     }
-    file.longItem(23, song.beatsPerPattern()).longItem(17, static_cast<uint32_t>(song.editorShown()));
-    for (uint32_t view = 0; view < 2; ++view) {
-        const EditorViewState& state = song.view(view);
-        file.code(18 + view).longItem(20, static_cast<uint32_t>(state.value));
-        file.code(21).longValue(static_cast<uint32_t>(state.pair[0])).longValue(static_cast<uint32_t>(state.pair[1])).end();
-        file.end();
-    }
-    file.code(24).longValue(static_cast<uint32_t>(player.loopStart())).longValue(static_cast<uint32_t>(player.loopEnd())).end();
-    return file;
+    file.code(11).longItem(16, 255).end().code(13).stringItem(26, u"outro");
+    emptyRows(19); // slot 20 is the 20th row shown
+    file.code(11).step(47, 1.0f, 0.0f, 256).end();
+    emptyRows(20);
+    file.end().longItem(23, 5).longItem(17, 1);
+    file.code(18).longItem(20, 3).code(21).longValue(4).longValue(5).end().end();
+    file.code(19).longItem(20, 0xFFFFFFFF).code(21).longValue(7).longValue(0xFFFFFFF8).end().end();
+    return file.code(24).longValue(2).longValue(200).end();
 }
 
 } // namespace
+
+TEST(SongFileWriter, WritesEveryItemInDisplayOrder)
+{
+    Song song;
+    arrangeSong(song);
+    std::vector<uint8_t> bytes = writeSong(song);
+    EXPECT_EQ(bytes, arrangedFile().bytes);
+    // The settings that open the file and the loop that ends it, as the format spells them.
+    const std::vector<uint8_t> head = { 'K', 'V', 'S', '0', //
+        0x08, 0x04, 0x00, 0x00, 0x00, 0xC0, 0xCC, 0xCC, 0xDC, 0x3F, 0x00, // volume 0.45f widened
+        0x09, 0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x60, 0x58, 0x40, 0x00, // tempo 97.5
+        0x0E, 0x03, 0x30, 0x00, 0x00, 0x00, 0x00 };
+    const std::vector<uint8_t> loop = { 0x18, 0x03, 0x02, 0x00, 0x00, 0x00, 0x03, 0xC8, 0x00, 0x00, 0x00, 0x00 };
+    ASSERT_GT(bytes.size(), head.size());
+    EXPECT_TRUE(std::equal(head.begin(), head.end(), bytes.begin()));
+    EXPECT_TRUE(std::equal(loop.rbegin(), loop.rend(), bytes.rbegin()));
+}
 
 TEST(SongFileWriter, WritesAStepAsTheFormatSpellsIt)
 {
     Song song;
     song.player().pattern(0).setCell(0, 5, { 0.7f, 1.0f, 0 });
-    std::vector<uint8_t> bytes = writeSong(song);
-
-    // It follows the first (empty) playlist row; its row holds the step, the other 39 nothing.
-    std::vector<uint8_t> block = {
+    // After the first (empty) playlist row, the pattern's first row holds the step.
+    const std::vector<uint8_t> block = {
         0x0B, 0x00, 0x0D, 0x0B, //
         0x10, 0x03, 0x05, 0x00, 0x00, 0x00, //
         0x16, 0x04, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xF0, 0x3F, 0x00, // rate 1.0
         0x08, 0x04, 0x00, 0x00, 0x00, 0x60, 0x66, 0x66, 0xE6, 0x3F, 0x00, // volume 0.7f widened
         0x19, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, //
-        0x00, 0x00, //
+        0x00, 0x00, 0x0B, 0x00, //
     };
-    for (int row = 1; row < 40; ++row)
-        block.insert(block.end(), { 0x0B, 0x00 });
-    block.push_back(0x00);
-    EXPECT_TRUE(contains(bytes, block));
-}
-
-TEST(SongFileWriter, WritesInstrumentsPatternsAndRowsItemByItemInDisplayOrder)
-{
-    Song fresh;
-    std::vector<uint8_t> bytes = writeSong(fresh);
-    EXPECT_EQ(bytes, expectedFile(fresh).bytes);
-    // Spot checks of the independent builder against the format itself.
-    const std::vector<uint8_t> head = { 'K', 'V', 'S', '0', 0x08, 0x04 };
-    EXPECT_TRUE(std::equal(head.begin(), head.end(), bytes.begin()));
-    const std::vector<uint8_t> loop = { 0x18, 0x03, 0, 0, 0, 0, 0x03, 0xFF, 0xFF, 0xFF, 0xFF, 0x00 };
-    EXPECT_TRUE(std::equal(loop.rbegin(), loop.rend(), bytes.rbegin())) << "the loop item ends the file";
-
-    Song song;
-    arrangeSong(song);
-    bytes = writeSong(song);
-    EXPECT_EQ(bytes, expectedFile(song).bytes);
-    // The first instrument block, right after the settings, is slot 39's; the first pattern
-    // block is pattern 10's, which begins with slot 39's row.
-    std::vector<uint8_t> firstInstrument = SongBytes().code(10).stringItem(26, u"kick").bytes;
-    EXPECT_TRUE(std::equal(firstInstrument.begin(), firstInstrument.end(), bytes.begin() + 4 + 11 + 11 + 7));
-    SongBytes firstPattern = SongBytes().code(11).longItem(16, 0).longItem(16, 200).end().code(13);
-    EXPECT_TRUE(contains(bytes, firstPattern.stringItem(26, u"intro").code(11).step(0, 2.0f, 0.5f, 3).end().bytes));
+    EXPECT_TRUE(contains(writeSong(song), block));
 }
 
 TEST(SongFileWriter, StoresSamplePathsWithBackslashes)
@@ -124,12 +102,10 @@ TEST(SongFileWriter, StoresSamplePathsWithBackslashes)
         }
         std::vector<std::pair<std::u16string, std::u16string>> asked;
     };
-    ScratchFolder folder;
-    folder.write("kick.wav", test::makeWav(1, 44100, 16, test::pcm16({ 0x1000, 0x2000 })));
+    test::ScratchFolder folder;
     Song song;
-    song.instrument(2).sample().load(folder.file("kick.wav"));
+    song.instrument(2).sample().load(folder.write("kick.wav", test::makeWav(1, 44100, 16, test::pcm16({ 1, 2 }))));
     ASSERT_TRUE(song.instrument(2).sample().isLoaded());
-
     FixedLocator locator;
     std::vector<uint8_t> bytes = SongWriter(song, locator, u"/songs/a.kqu").write();
     ASSERT_EQ(locator.asked.size(), 1u) << "only slots with a sample are asked about";

@@ -9,27 +9,33 @@ using namespace pulsara;
 
 namespace {
 
+// A voice on a mono sample whose frame i holds the value i, so that the output names the
+// source position it was mixed from.
 struct VoiceRig {
     AudioFormat format { 44100, 32, 1 };
     Instrument instrument;
     TrackVoice voice;
+    std::vector<float> out;
 
-    explicit VoiceRig(std::vector<float> frames)
+    explicit VoiceRig(std::size_t frames)
     {
+        std::vector<float> values(frames);
+        std::iota(values.begin(), values.end(), 0.0f);
         instrument.sample().setFormat(&format);
-        instrument.sample().setFrames(std::move(frames), 1);
+        instrument.sample().setFrames(std::move(values), 1);
         instrument.setVolume(1.0f);
         voice.setInstrument(&instrument);
     }
+    // Plays one block of `frames` frames after those already played, with triggers at offsets.
+    void play(uint32_t frames, double framesPerStep, std::vector<std::pair<uint32_t, Step>> triggers = {})
+    {
+        out.resize(out.size() + frames);
+        voice.beginBlock(out.data() + out.size() - frames, frames, 1, framesPerStep);
+        for (auto [offset, step] : triggers)
+            voice.trigger(offset, step);
+        voice.endBlock();
+    }
 };
-
-std::vector<float> ramp(std::size_t frames)
-{
-    std::vector<float> values(frames);
-    for (std::size_t i = 0; i < frames; ++i)
-        values[i] = static_cast<float>(i % 97) / 97.0f - 0.5f;
-    return values;
-}
 
 } // namespace
 
@@ -37,81 +43,37 @@ std::vector<float> ramp(std::size_t frames)
 // its start, to the frame, even when that falls in a later block.
 TEST(TrackVoice, NoteLengthEndsTheNoteToTheFrame)
 {
-    VoiceRig rig(std::vector<float>(10000, 1.0f));
-    const double framesPerStep = 100.5;
-    std::vector<float> out(3 * 64);
-    for (int block = 0; block < 3; ++block) {
-        rig.voice.beginBlock(out.data() + 64 * block, 64, 1, framesPerStep);
-        if (block == 0)
-            rig.voice.trigger(10, { 1.0f, 1.0f, 384 }); // one and a half steps: 150 frames
-        rig.voice.endBlock();
-    }
-    for (std::size_t i = 0; i < out.size(); ++i)
-        EXPECT_EQ(out[i], i >= 10 && i < 160 ? 1.0f : 0.0f) << "frame " << i;
+    VoiceRig rig(10000);
+    rig.play(64, 100.5, { { 10, { 1.0f, 1.0f, 384 } } }); // one and a half steps: 150 frames
+    rig.play(64, 100.5);
+    rig.play(64, 100.5);
+    for (std::size_t i = 0; i < rig.out.size(); ++i)
+        EXPECT_EQ(rig.out[i], i >= 10 && i < 160 ? static_cast<float>(i - 10) : 0.0f) << "frame " << i;
     EXPECT_FALSE(rig.instrument.sample().isPlaying());
 }
 
 // A trigger cuts the sounding note at its frame and restarts the sample from its beginning
-// with the new volume and rate.
-TEST(TrackVoice, TriggerCutsTheSoundingNoteAndRestartsTheSample)
+// with the new volume and rate; a cut silences at once.
+TEST(TrackVoice, TriggerRestartsTheSampleAndCutSilences)
 {
-    std::vector<float> frames = ramp(1000);
-    VoiceRig rig(frames);
+    VoiceRig rig(1000);
     rig.instrument.setVolume(0.5f);
-    std::vector<float> out(200);
-    rig.voice.beginBlock(out.data(), 200, 1, 50.0);
-    rig.voice.trigger(0, { 1.0f, 1.0f, 0 });
-    rig.voice.trigger(120, { 0.25f, 1.0f, 0 });
-    rig.voice.endBlock();
-    EXPECT_EQ(out[119], frames[119] * 0.5f);
-    EXPECT_EQ(out[120], frames[0] * 0.125f);
-    EXPECT_EQ(out[199], frames[79] * 0.125f);
-}
-
-// Each sounding stretch between events is one call of the sample's mix, so a voice's block
-// equals mixing the same stretches by hand (the linear method's extra step included).
-TEST(TrackVoice, BlockIsMixedStretchByStretch)
-{
-    std::vector<float> frames = ramp(5000);
-    VoiceRig rig(frames);
-    rig.instrument.sample().setInterpolation(Interpolation::Linear);
-    std::vector<float> out(512);
-    rig.voice.beginBlock(out.data(), 256, 1, 100.0);
-    rig.voice.trigger(10, { 1.0f, 0.75f, 0 });
-    rig.voice.endBlock();
-    rig.voice.beginBlock(out.data() + 256, 256, 1, 100.0);
-    rig.voice.trigger(100, { 1.0f, 1.5f, 0 });
-    rig.voice.endBlock();
-
-    Sample reference;
-    AudioFormat format { 44100, 32, 1 };
-    reference.setFormat(&format);
-    reference.setFrames(frames, 1);
-    reference.setInterpolation(Interpolation::Linear);
-    std::vector<float> expected(512);
-    reference.setVolume(1.0f);
-    reference.setRate(0.75f);
-    reference.setPosition(0.0);
-    reference.setPlaying(true);
-    reference.mix(expected.data() + 10, 246, 1);
-    reference.mix(expected.data() + 256, 100, 1);
-    reference.setRate(1.5f);
-    reference.setPosition(0.0);
-    reference.mix(expected.data() + 356, 156, 1);
-    for (std::size_t i = 0; i < out.size(); ++i)
-        ASSERT_EQ(out[i], expected[i]) << "frame " << i;
-}
-
-TEST(TrackVoice, CutSilencesAtOnce)
-{
-    VoiceRig rig(std::vector<float>(1000, 1.0f));
-    std::vector<float> out(128);
-    rig.voice.beginBlock(out.data(), 64, 1, 10.0);
-    rig.voice.trigger(0, { 1.0f, 1.0f, 0 });
-    rig.voice.endBlock();
+    rig.play(200, 50.0, { { 0, { 1.0f, 1.0f, 0 } }, { 120, { 0.25f, 1.0f, 0 } } });
+    EXPECT_EQ(rig.out[119], 119 * 0.5f);
+    EXPECT_EQ(rig.out[120], 0.0f);
+    EXPECT_EQ(rig.out[199], 79 * 0.125f);
     rig.voice.cut();
-    rig.voice.beginBlock(out.data() + 64, 64, 1, 10.0);
-    rig.voice.endBlock();
-    EXPECT_EQ(std::accumulate(out.begin(), out.begin() + 64, 0.0f), 64.0f);
-    EXPECT_EQ(std::accumulate(out.begin() + 64, out.end(), 0.0f), 0.0f);
+    rig.play(64, 50.0);
+    EXPECT_EQ(std::accumulate(rig.out.begin() + 200, rig.out.end(), 0.0f), 0.0f);
+}
+
+// Each stretch between events is one call of the linear method, which steps once more than it
+// mixed: the second block goes on from 2.5, not 2. The trigger restarts at rate 1.
+TEST(TrackVoice, MixesTheBlockStretchByStretch)
+{
+    VoiceRig rig(100);
+    rig.instrument.sample().setInterpolation(Interpolation::Linear);
+    rig.play(4, 100.0, { { 0, { 1.0f, 0.5f, 0 } } });
+    rig.play(4, 100.0, { { 2, { 1.0f, 1.0f, 0 } } });
+    EXPECT_EQ(rig.out, (std::vector<float> { 0, 0.5f, 1, 1.5f, 2.5f, 3, 0, 1 }));
 }

@@ -1,9 +1,8 @@
 #include "Sound/WavReader.h"
 
-#include "Sound/PcmConverter.h"
 #include "Sound/Sample.h"
-#include "base/ErrorReporter.h"
 #include "support/ReportRecorder.h"
+#include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
 
 #include <gtest/gtest.h>
@@ -16,17 +15,21 @@ using namespace pulsara::test;
 
 namespace {
 
+// Samples are scaled by 3.051851e-5f, the float nearest 1/32767, 8-bit ones after widening to 16
+// bits around 128. Worked out in single precision, 16-bit 32767 gives exactly 1, -32768 (and
+// 8-bit 0) a little under -1, 8-bit 255 a little under 1.
+constexpr float kMin = -1.000030517578125f;
+constexpr float kMax8 = 0.9922177791595459f;
+
 class WavReaderTest : public testing::Test {
 protected:
-    // Loads the bytes from a temporary file into an empty `sample` for the given output format.
-    int load(const std::vector<uint8_t>& bytes, uint32_t rate = 44100, uint8_t channels = 1,
-        const std::string& fileName = "sample.wav")
+    // Loads the bytes from a file into an empty `sample` for the given output format.
+    int load(const std::vector<uint8_t>& bytes, uint32_t rate = 44100, uint8_t channels = 1)
     {
         sample.unload(); // else the new format would reload the file of the last case
         format = AudioFormat { rate, 32, channels };
         sample.setFormat(&format);
-        TempWavFile file(bytes, fileName);
-        return sample.load(file.path());
+        return sample.load(folder.write("sample.wav", bytes));
     }
 
     std::vector<float> frames() const
@@ -35,40 +38,29 @@ protected:
         return std::vector<float>(sample.frames(), sample.frames() + count);
     }
 
-    void expectRefused(int line, const std::string& message)
+    void expectRefused(const char* source, int line, std::u16string_view message)
     {
         EXPECT_FALSE(sample.isLoaded());
         EXPECT_TRUE(sample.displayName().empty());
         EXPECT_EQ(sample.length(), 0);
         ASSERT_EQ(reports.reports().size(), 1u);
         EXPECT_EQ(reports.last().code, 0);
-        EXPECT_EQ(reports.last().source, "Sound/file");
+        EXPECT_EQ(reports.last().source, source);
         EXPECT_EQ(reports.last().line, line);
-        EXPECT_EQ(reports.last().message, std::u16string(message.begin(), message.end()));
+        EXPECT_EQ(reports.last().message, message);
     }
 
+    ScratchFolder folder;
     ReportRecorder reports;
     AudioFormat format;
     Sample sample;
 };
 
-float from16(int16_t value)
-{
-    return PcmConverter::fromPcm16(value);
-}
-
 } // namespace
 
 TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
 {
-    float a = from16(1000), b = from16(-3000), c = from16(32767), d = from16(-32768);
-    std::vector<uint8_t> abcd = test::pcm16({ 1000, -3000, 32767, -32768 });
-    // Mono 8 bits at half the rate: every other frame lies halfway, as the resampler computes it.
-    float s1 = PcmConverter::fromPcm8(192), s2 = PcmConverter::fromPcm8(64), s3 = PcmConverter::fromPcm8(255);
-    auto half = [](float x, float y) { return static_cast<float>(x + 0.5 * (y - x)); };
-    std::vector<float> upsampled;
-    for (float value : { 0.0f, half(0, s1), s1, half(s1, s2), s2, half(s2, s3), s3, half(s3, 0.0f), 0.0f })
-        upsampled.insert(upsampled.end(), { value, value });
+    std::vector<uint8_t> pcm = pcm16({ 32767, -32768, 0, 32767 });
     // The header says 16 bits, but 4-byte frames of one channel are float data.
     std::vector<uint8_t> floatSaid16 = makeWav(1, 44100, 32, float32({ 0.5f, 0.75f }));
     floatSaid16[34] = 16;
@@ -83,26 +75,30 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
         uint32_t sourceBits;
         std::vector<float> expected;
     } cases[] = {
-        { "mono to mono", makeWav(1, 48000, 16, abcd), 48000, 1, 0, 16, { a, b, c, d, 0 } },
-        { "mono to stereo", makeWav(1, 48000, 16, abcd), 48000, 2, 0, 16, { a, a, b, b, c, c, d, d, 0, 0 } },
-        { "stereo to mono", makeWav(2, 48000, 16, abcd), 48000, 1, 0, 16, { (a + b) * 0.5f, (c + d) * 0.5f, 0 } },
-        { "stereo to stereo", makeWav(2, 48000, 16, abcd), 48000, 2, 0, 16, { a, b, c, d, 0, 0 } },
+        { "mono to mono", makeWav(1, 48000, 16, pcm), 48000, 1, 0, 16, { 1, kMin, 0, 1, 0 } },
+        { "mono to stereo", makeWav(1, 48000, 16, pcm), 48000, 2, 0, 16, { 1, 1, kMin, kMin, 0, 0, 1, 1, 0, 0 } },
+        { "stereo to mono", makeWav(2, 48000, 16, pcm), 48000, 1, 0, 16, { -1.52587890625e-05f, 0.5f, 0 } },
+        { "stereo to stereo", makeWav(2, 48000, 16, pcm), 48000, 2, 0, 16, { 1, kMin, 0, 1, 0, 0 } },
+        { "8-bit stereo to mono", makeWav(2, 44100, 8, pcm8({ 0, 128, 255, 129 })), 44100, 1, 0, 8,
+            { -0.5000152587890625f, 0.5000152587890625f, 0 } },
         { "float in the output format", makeWav(2, 32000, 32, float32({ 0.25f, -0.5f, 1e-8f, 3.0f, -1.0f, 0.125f })),
             32000, 2, 1, 32, { 0.25f, -0.5f, 1e-8f, 3.0f, -1.0f, 0.125f, 0, 0 } },
         { "bits taken from the block align", floatSaid16, 44100, 1, 1, 32, { 0.5f, 0.75f, 0 } },
         { "unpadded chunks between fmt and data",
-            makeWav(1, 44100, 16, test::pcm16({ 5, 6 }), { { "LIST", { 'I', 'N', 'F', 'O' } }, { "odd ", { 7 } } }),
-            44100, 1, 0, 16, { from16(5), from16(6), 0 } },
+            makeWav(1, 44100, 16, pcm16({ 32767, 0 }), { { "LIST", { 'I', 'N', 'F', 'O' } }, { "odd ", { 7 } } }), 44100,
+            1, 0, 16, { 1, 0, 0 } },
         { "16-bit data shorter than declared",
-            riffWave({ formatChunk(1, 44100, 16), { "data", test::pcm16({ 3, 4 }), 0x7FFFFFFFu } }), 44100, 1, 0, 16,
-            { from16(3), from16(4), 0 } },
+            riffWave({ formatChunk(1, 44100, 16), { "data", pcm16({ -32768, 32767 }), 0x7FFFFFFFu } }), 44100, 1, 0, 16,
+            { kMin, 1, 0 } },
         { "float data shorter than declared",
             riffWave({ formatChunk(1, 44100, 32), { "data", float32({ 0.5f, 0.25f }), 0x7FFFFFFFu } }), 44100, 1, 1, 32,
             { 0.5f, 0.25f, 0 } },
-        { "a format block beyond 18 bytes", riffWave({ extensible, { "data", test::pcm16({ 9, 10 }) } }), 44100, 1, 0,
-            16, { from16(9), from16(10), 0 } },
-        { "8-bit mono to stereo at twice the rate", makeWav(1, 22050, 8, pcm8({ 128, 192, 64, 255 })), 44100, 2, 0, 8,
-            upsampled },
+        { "a format block beyond 18 bytes", riffWave({ extensible, { "data", pcm16({ 0, 32767 }) } }), 44100, 1, 0, 16,
+            { 0, 1, 0 } },
+        // Every other frame lies halfway between its neighbours.
+        { "8-bit mono to stereo at twice the rate", makeWav(1, 22050, 8, pcm8({ 128, 0, 128, 255 })), 44100, 2, 0, 8,
+            { 0, 0, kMin / 2, kMin / 2, kMin, kMin, kMin / 2, kMin / 2, 0, 0, kMax8 / 2, kMax8 / 2, kMax8, kMax8,
+                kMax8 / 2, kMax8 / 2, 0, 0 } },
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.what);
@@ -115,102 +111,65 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
     EXPECT_TRUE(reports.reports().empty());
     EXPECT_EQ(sample.sourceRate(), 22050u);
     EXPECT_EQ(sample.sourceChannels(), 1u);
-}
-
-TEST_F(WavReaderTest, HalvesTheLengthOfSixteenBitDataAfterScaling)
-{
     // 3 frames x 44100 / 32000 = 4.134 frames: the byte count 6 is scaled to 8 first, then halved.
-    EXPECT_EQ(load(makeWav(1, 32000, 16, test::pcm16({ 100, 200, 300 }))), 0);
+    EXPECT_EQ(load(makeWav(1, 32000, 16, pcm16({ 100, 200, 300 }))), 0);
     EXPECT_EQ(sample.length(), 4);
 }
 
 TEST_F(WavReaderTest, RefusesWhatItCannotRead)
 {
-    std::vector<uint8_t> wav = makeWav(1, 44100, 16, test::pcm16({ 1, 2 }));
+    std::vector<uint8_t> wav = makeWav(1, 44100, 16, pcm16({ 1, 2 }));
     std::vector<uint8_t> notRiff = wav, notWave = wav, truncatedHeader = wav;
     notRiff[0] = 'X';
     notWave[11] = 'X';
     truncatedHeader.resize(20);
+    const char16_t* memory = u"Sorry, not enough memory to perform the operation";
     const struct {
         const char* what;
         std::vector<uint8_t> bytes;
         int line;
-        const char* message;
+        std::u16string_view message;
         uint8_t outputChannels = 1;
+        const char* source = "Sound/file";
     } cases[] = {
-        { "an empty file", {}, 140, "Missing RIFF: Can't read WAV file." },
-        { "no RIFF", notRiff, 140, "Missing RIFF: Can't read WAV file." },
-        { "no WAVE", notWave, 145, "Missing WAVE: Can't read WAV file." },
+        { "an empty file", {}, 140, u"Missing RIFF: Can't read WAV file." },
+        { "no RIFF", notRiff, 140, u"Missing RIFF: Can't read WAV file." },
+        { "no WAVE", notWave, 145, u"Missing WAVE: Can't read WAV file." },
         { "a LIST chunk before fmt", riffWave({ { "LIST", { 1, 2, 3, 4 } }, formatChunk(1, 44100, 16), { "data", {} } }),
-            149, "Missing fmt : Can't read WAV file." },
-        { "no data chunk", riffWave({ formatChunk(1, 44100, 16) }), 167, "Missing data: Can't read WAV file." },
-        { "a cut fmt chunk", truncatedHeader, 167, "Missing data: Can't read WAV file." },
+            149, u"Missing fmt : Can't read WAV file." },
+        { "no data chunk", riffWave({ formatChunk(1, 44100, 16) }), 167, u"Missing data: Can't read WAV file." },
+        { "a cut fmt chunk", truncatedHeader, 167, u"Missing data: Can't read WAV file." },
         { "a chunk larger than the file", makeWav(1, 44100, 16, {}, { { "junk", {}, 0xFFFFFFF0u } }), 167,
-            "Missing data: Can't read WAV file." },
-        { "24 bits", makeWav(1, 44100, 24, std::vector<uint8_t>(6)), 203, "Only 8 and 16 bit waves supported" },
-        { "32 bits at another rate", makeWav(1, 22050, 32, float32({ 1 })), 203, "Only 8 and 16 bit waves supported" },
-        { "4 channels", makeWav(4, 44100, 16, std::vector<uint8_t>(8)), 193, "Only mono and stereo samples supported" },
-        { "0 channels", makeWav(0, 44100, 16, {}), 193, "Only mono and stereo samples supported" },
-        { "3 output channels", wav, 193, "Only mono and stereo samples supported", 3 },
+            u"Missing data: Can't read WAV file." },
+        { "24 bits", makeWav(1, 44100, 24, std::vector<uint8_t>(6)), 203, u"Only 8 and 16 bit waves supported" },
+        { "32 bits at another rate", makeWav(1, 22050, 32, float32({ 1 })), 203, u"Only 8 and 16 bit waves supported" },
+        { "4 channels", makeWav(4, 44100, 16, std::vector<uint8_t>(8)), 193, u"Only mono and stereo samples supported" },
+        { "0 channels", makeWav(0, 44100, 16, {}), 193, u"Only mono and stereo samples supported" },
+        { "3 output channels", wav, 193, u"Only mono and stereo samples supported", 3 },
+        // A sample no buffer could hold.
+        { "rate 0", makeWav(1, 0, 8, std::vector<uint8_t>(10000, 128)), 14, memory, 1, "mem" },
+        { "rate 1", makeWav(1, 1, 8, std::vector<uint8_t>(10000, 128)), 14, memory, 1, "mem" },
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.what);
         reports.clear();
         EXPECT_EQ(load(test.bytes, 44100, test.outputChannels), 0);
-        expectRefused(test.line, test.message);
+        expectRefused(test.source, test.line, test.message);
     }
 }
 
-TEST_F(WavReaderTest, RefusesFilesThatCannotBeOpenedAndLeavesTheErrorContextAtThePath)
+TEST_F(WavReaderTest, NamesTheSampleAfterItsFileAndForgetsItWhenTheNextCannotBeOpened)
 {
-    TempWavFile file(makeWav(1, 44100, 8, pcm8({ 1 })));
     sample.setFormat(&format);
-    sample.load(file.path());
-    EXPECT_EQ(errorContext().function, file.path());
-    for (const std::u16string& path : { file.path() + u".missing", file.folder().u16string() }) {
+    std::u16string named = folder.write("kick.hard.wav", makeWav(1, 44100, 8, pcm8({ 1 })));
+    ASSERT_EQ(sample.load(named), 0);
+    EXPECT_EQ(sample.displayName(), u"kick");
+    for (const std::u16string& path : { folder.file("missing.wav"), folder.path().u16string() }) {
         reports.clear();
         EXPECT_EQ(sample.load(path), 0);
-        expectRefused(125, "can't open wave file");
-        EXPECT_EQ(errorContext().function, path);
+        expectRefused("Sound/file", 125, u"can't open wave file");
+        // The error context names the file.
         EXPECT_NE(reports.last().text.find(path + u": 0() - can't open wave file"), std::u16string::npos);
-    }
-}
-
-TEST_F(WavReaderTest, NamesTheSampleAfterTheFileUpToItsFirstDotAndForgetsItAfterAFailedLoad)
-{
-    load(makeWav(1, 44100, 8, pcm8({ 1 })), 44100, 1, "kick.hard.wav");
-    EXPECT_EQ(sample.displayName(), u"kick");
-    EXPECT_TRUE(sample.path().view().ends_with(u"/kick.hard.wav"));
-    TempWavFile bad({ 'R', 'I', 'F', 'F' });
-    sample.load(bad.path());
-    EXPECT_FALSE(sample.isLoaded());
-    EXPECT_EQ(sample.length(), 0);
-    EXPECT_TRUE(sample.displayName().empty());
-}
-
-TEST_F(WavReaderTest, ANewFormatReloadsTheFile)
-{
-    TempWavFile file(makeWav(1, 22050, 16, test::pcm16({ 100, 200 })));
-    sample.setFormat(&format);
-    sample.load(file.path());
-    ASSERT_EQ(sample.length(), 4);
-    AudioFormat stereo { 22050, 32, 2 };
-    sample.setFormat(&stereo);
-    EXPECT_EQ(sample.length(), 2);
-    EXPECT_EQ(frames(), (std::vector<float> { from16(100), from16(100), from16(200), from16(200), 0, 0 }));
-    EXPECT_EQ(sample.path().view(), file.path());
-}
-
-TEST_F(WavReaderTest, ASampleNoBufferCouldHoldIsOutOfMemory)
-{
-    for (uint32_t rate : { 0u, 1u }) {
-        reports.clear();
-        EXPECT_EQ(load(makeWav(1, rate, 8, std::vector<uint8_t>(10000, 128))), 0);
-        EXPECT_FALSE(sample.isLoaded());
-        ASSERT_EQ(reports.reports().size(), 1u) << "rate " << rate;
-        EXPECT_EQ(reports.last().source, "mem");
-        EXPECT_EQ(reports.last().line, 14);
-        EXPECT_EQ(reports.last().message, u"Sorry, not enough memory to perform the operation");
     }
 }
 

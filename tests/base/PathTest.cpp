@@ -1,55 +1,46 @@
 #include "base/Path.h"
 
-#include <gtest/gtest.h>
+#include "support/ScratchFolder.h"
 
-#include <cstdio>
-#include <filesystem>
-#include <unistd.h>
+#include <gtest/gtest.h>
 
 using namespace pulsara;
 
-TEST(Path, ExtensionIsTheTextAfterTheLastDotOfTheLastComponent)
+TEST(Path, TakesPathsApartAtTheirSeparatorsAndDots)
 {
     EXPECT_EQ(pathExtension(u"/songs/beat.kqu"), std::u16string_view(u"kqu"));
     EXPECT_EQ(pathExtension(u"kick.hard.wav"), std::u16string_view(u"wav"));
-    // No dot at all: the whole name.
-    EXPECT_EQ(pathExtension(u"README"), std::u16string_view(u"README"));
-    // A dot only in an earlier component: no extension.
-    EXPECT_EQ(pathExtension(u"/my.folder/README"), std::nullopt);
-}
-
-TEST(Path, FileNameIsTheTextAfterTheLastSeparator)
-{
+    EXPECT_EQ(pathExtension(u"README"), std::u16string_view(u"README")); // no dot at all: the whole name
+    EXPECT_EQ(pathExtension(u"/my.folder/README"), std::nullopt); // a dot only in an earlier component
     EXPECT_EQ(pathFileName(u"/a/b/kick.wav"), u"kick.wav");
     EXPECT_EQ(pathFileName(u"kick.wav"), u"kick.wav");
     EXPECT_EQ(pathFileName(u"/a/b/"), u"");
-}
-
-TEST(Path, JoinAddsOneSeparatorUnlessTheNameIsAbsolute)
-{
-    struct Case {
-        std::u16string folder, name, joined;
-    };
-    for (const Case& c : std::initializer_list<Case> {
-             { u"/songs", u"kick.wav", u"/songs/kick.wav" },
-             { u"/songs/", u"kick.wav", u"/songs/kick.wav" },
-             { u"", u"kick.wav", u"kick.wav" },
-             { u"/songs", u"/abs/kick.wav", u"/abs/kick.wav" },
-             { u"/songs", u"C:kick.wav", u"C:kick.wav" },
-         }) {
-        PathString out(u"stale");
-        joinPath(out, c.folder, c.name);
-        EXPECT_EQ(out.view(), c.joined);
-    }
-}
-
-TEST(Path, ParentFolderCutsAtTheLastSeparator)
-{
     PathString out;
     parentFolder(out, u"/a/b/song.kqu");
     EXPECT_EQ(out.view(), u"/a/b");
     parentFolder(out, u"song.kqu");
     EXPECT_EQ(out.view(), u"song.kqu");
+    // The first component follows the first separator after the first unit.
+    firstComponent(out, u"/My Documents/Pulsara/x.kqu");
+    EXPECT_EQ(out.view(), u"Pulsara");
+    firstComponent(out, u"");
+    EXPECT_EQ(out.view(), u"");
+}
+
+TEST(Path, JoinAddsOneSeparatorUnlessTheNameIsAbsolute)
+{
+    const std::u16string_view cases[][3] = {
+        { u"/songs", u"kick.wav", u"/songs/kick.wav" },
+        { u"/songs/", u"kick.wav", u"/songs/kick.wav" },
+        { u"", u"kick.wav", u"kick.wav" },
+        { u"/songs", u"/abs/kick.wav", u"/abs/kick.wav" },
+        { u"/songs", u"C:kick.wav", u"C:kick.wav" },
+    };
+    for (const auto& [folder, name, joined] : cases) {
+        PathString out(u"stale");
+        joinPath(out, folder, name);
+        EXPECT_EQ(out.view(), joined);
+    }
 }
 
 TEST(Path, RelativePathComparesUnitByUnit)
@@ -66,37 +57,18 @@ TEST(Path, RelativePathComparesUnitByUnit)
              { u"/a/b/c", u"/a/x.wav", u"../../x.wav", 2 },
              { u"", u"/a/x.wav", u"/a/x.wav", -1 },
              { u"/a", u"b/x.wav", u"b/x.wav", -1 },
+             { u"/a", u"", u"untouched", -2 }, // an empty target leaves the output alone
          }) {
-        PathString out;
+        PathString out(u"untouched");
         EXPECT_EQ(relativePath(out, c.base, c.target), c.steps) << toUtf8(c.target);
         EXPECT_EQ(out.view(), c.relative) << toUtf8(c.target);
     }
 }
 
-TEST(Path, RelativePathOfAnEmptyTargetLeavesTheOutputAlone)
-{
-    PathString out(u"untouched");
-    EXPECT_EQ(relativePath(out, u"/a", u""), -2);
-    EXPECT_EQ(out.view(), u"untouched");
-}
-
-TEST(Path, FirstComponentFollowsTheFirstSeparatorAfterTheFirstUnit)
-{
-    PathString out(u"stale");
-    firstComponent(out, u"/My Documents/Pulsara/x.kqu");
-    EXPECT_EQ(out.view(), u"Pulsara");
-    firstComponent(out, u"");
-    EXPECT_EQ(out.view(), u"");
-}
-
 TEST(Path, FileExistsOnlyForReadableFiles)
 {
-    auto file = std::filesystem::temp_directory_path() / ("pulsara_path_" + std::to_string(::getpid()) + ".txt");
-    std::FILE* handle = std::fopen(file.c_str(), "w");
-    ASSERT_NE(handle, nullptr);
-    std::fclose(handle);
-    EXPECT_TRUE(fileExists(fromUtf8(file.string())));
-    EXPECT_FALSE(fileExists(fromUtf8(file.parent_path().string())));
-    std::filesystem::remove(file);
-    EXPECT_FALSE(fileExists(fromUtf8(file.string())));
+    test::ScratchFolder folder;
+    EXPECT_TRUE(fileExists(folder.write("a.txt", {})));
+    EXPECT_FALSE(fileExists(folder.path().u16string()));
+    EXPECT_FALSE(fileExists(folder.file("b.txt")));
 }

@@ -1,18 +1,15 @@
 // Runs the pulsara program itself on songs built here, and checks its output, messages and exit
 // statuses.
-#include "Sound/SampleLocator.h"
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
-#include "Sound/StoredSamplePath.h"
 #include "Sound/WavExporter.h"
+#include "support/RecordingLocator.h"
+#include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sys/wait.h>
 
 using namespace pulsara;
@@ -26,106 +23,64 @@ struct RunResult {
     std::string err;
 };
 
-std::string readText(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>() };
-}
-
-std::string quote(const std::string& text)
+std::string quote(const fs::path& path)
 {
     std::string quoted = "'";
-    for (char c : text)
+    for (char c : path.string())
         quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return quoted + "'";
 }
 
-// Stores sample paths the way the command line and the window do, relative to the song, and
-// finds them in the song's folder.
-class RelativeLocator final : public SampleLocator {
-public:
-    explicit RelativeLocator(fs::path songFolder = {})
-        : songFolder_(std::move(songFolder))
-    {
-    }
-    void locateSample(Song& song, std::u16string_view storedName, uint32_t slot) override
-    {
-        song.instrument(slot).sample().load((songFolder_ / fs::path(storedName)).u16string());
-    }
-    PathString storedSamplePath(std::u16string_view samplePath, std::u16string_view songPath) override
-    {
-        return makeStoredSamplePath(samplePath, songPath, u"");
-    }
-
-private:
-    fs::path songFolder_;
-};
+std::string text(const std::vector<uint8_t>& bytes) { return std::string(bytes.begin(), bytes.end()); }
 
 class CommandLine : public ::testing::Test {
 protected:
-    fs::path folder;
-
-    void SetUp() override
-    {
-        std::string pattern = (fs::temp_directory_path() / "pulsara-cli-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        folder = pattern;
-        fs::create_directories(folder / "home/Documents/Pulsara");
-    }
-    void TearDown() override { fs::remove_all(folder); }
+    test::ScratchFolder folder;
+    fs::path home = folder.path() / "home";
+    fs::path sample = folder.path() / "smp/saw.wav";
+    fs::path song = folder.path() / "song.kqu";
 
     // Runs pulsara with a home of its own, so that <Documents> is inside the test folder.
     RunResult run(const std::string& arguments)
     {
-        fs::path out = folder / "stdout.txt";
-        fs::path err = folder / "stderr.txt";
-        std::string home = (folder / "home").string();
-        std::string command = "HOME=" + quote(home) + " XDG_CONFIG_HOME=" + quote(home + "/.config") + " " + quote(PULSARA_BINARY)
-            + " " + arguments + " > " + quote(out.string()) + " 2> " + quote(err.string()) + " < /dev/null";
+        fs::create_directories(home / "Documents/Pulsara");
+        std::string command = "HOME=" + quote(home) + " XDG_CONFIG_HOME=" + quote(home / ".config") + " "
+            + quote(PULSARA_BINARY) + " " + arguments + " > " + quote(folder.path() / "out.txt") + " 2> "
+            + quote(folder.path() / "err.txt") + " < /dev/null";
         int raw = std::system(command.c_str());
-        return { WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readText(out), readText(err) };
+        return { WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, text(folder.read("out.txt")), text(folder.read("err.txt")) };
     }
 
-    fs::path writeSample(const fs::path& path)
+    // A two-position song with a pitched, a quiet and a shortened note on its one instrument,
+    // a saw wave stored beside it as smp/saw.wav.
+    void arrange(Song& target)
     {
         std::vector<int16_t> wave(2000);
         for (std::size_t i = 0; i < wave.size(); ++i)
             wave[i] = static_cast<int16_t>((i % 50) * 600 - 15000);
-        std::vector<uint8_t> bytes = test::makeWav(1, 22050, 16, test::pcm16(wave));
-        fs::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        return path;
-    }
-
-    // A two-position song with a pitched, a quiet and a shortened note on its one instrument.
-    fs::path writeSong(const fs::path& samplePath, const std::string& name = "song.kqu")
-    {
-        Song song;
-        song.instrument(0).sample().load(samplePath.u16string());
-        song.instrument(0).setName(u"Saw");
-        song.player().setTempo(133.0f);
-        StepGrid& pattern = song.player().pattern(0);
+        target.instrument(0).sample().load(folder.write("smp/saw.wav", test::makeWav(1, 22050, 16, test::pcm16(wave))));
+        target.instrument(0).setName(u"Saw");
+        target.player().setTempo(133.0f);
+        StepGrid& pattern = target.player().pattern(0);
         pattern.setCell(0, 0, kDefaultNote);
         pattern.setCell(0, 4, { 0.5f, 1.5f, 0 });
         pattern.setCell(0, 8, { 1.0f, 0.75f, 128 });
-        song.player().setPatternName(0, u"Beat");
-        song.player().playlist().set(0, 0, 1.0f);
-        song.player().playlist().set(0, 1, 1.0f);
-        RelativeLocator locator;
-        fs::path path = folder / name;
-        saveSong(song, path.u16string(), locator);
-        return path;
+        target.player().setPatternName(0, u"Beat");
+        target.player().playlist().set(0, 0, 1.0f);
+        target.player().playlist().set(0, 1, 1.0f);
     }
-
-    void writeBytes(const fs::path& path, const std::string& bytes)
+    void SetUp() override
     {
-        std::ofstream(path, std::ios::binary) << bytes;
+        Song written;
+        arrange(written);
+        test::RecordingLocator locator;
+        ASSERT_EQ(saveSong(written, song.u16string(), locator), 1);
     }
 };
 
 } // namespace
 
-TEST_F(CommandLine, HelpAndVersion)
+TEST_F(CommandLine, HelpVersionAndBadUsage)
 {
     RunResult help = run("--help");
     EXPECT_EQ(help.status, 0);
@@ -133,10 +88,6 @@ TEST_F(CommandLine, HelpAndVersion)
     RunResult version = run("--version");
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.out.rfind("pulsara ", 0), 0u);
-}
-
-TEST_F(CommandLine, BadUsageExitsWithTwo)
-{
     for (const char* arguments : { "--export", "--dump", "--bogus", "--dump a.kqu --rate 12", "--export o.wav --dump a.kqu",
              "--dump a.kqu --interpolation cubic", "a.kqu b.kqu", "--dump a.kqu --latency x", "--dump a.kqu --loop" }) {
         RunResult result = run(arguments);
@@ -148,30 +99,22 @@ TEST_F(CommandLine, BadUsageExitsWithTwo)
 // The program's export is byte for byte the export of the same song rendered in-process.
 TEST_F(CommandLine, ExportWritesTheSongAsTheEngineRendersIt)
 {
-    fs::path song = writeSong(writeSample(folder / "smp/saw.wav"));
-    fs::path output = folder / "out.wav";
-    RunResult result = run("--export " + quote(output.string()) + " " + quote(song.string()) + " --stereo --rate 48000 --interpolation linear");
+    fs::path output = folder.path() / "out.wav";
+    RunResult result = run("--export " + quote(output) + " " + quote(song) + " --stereo --rate 48000 --interpolation linear");
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "");
-
+    EXPECT_EQ(result.out + result.err, "");
     Song reference(AudioFormat { 48000, 32, 2 });
     reference.setInterpolation(Interpolation::Linear);
-    RelativeLocator locator(folder);
-    ASSERT_EQ(loadSong(reference, song.u16string(), locator), 1);
-    ASSERT_EQ(reference.instrument(0).sample().length(), 2000 * 48000 / 22050);
-    fs::path expected = folder / "expected.wav";
-    WavExporter().exportTo(reference.player(), expected.u16string());
-    std::string bytes = readText(output);
+    arrange(reference);
+    ASSERT_EQ(WavExporter().exportTo(reference.player(), folder.file("expected.wav")), 1);
+    std::vector<uint8_t> bytes = folder.read("out.wav");
     EXPECT_EQ(bytes.size(), 46 + 2 * 2 * reference.player().lengthInFrames());
-    EXPECT_TRUE(bytes == readText(expected));
+    EXPECT_TRUE(bytes == folder.read("expected.wav"));
 }
 
 TEST_F(CommandLine, DumpPrintsTheLoadedSongAsJson)
 {
-    fs::path sample = writeSample(folder / "smp/saw.wav");
-    fs::path song = writeSong(sample);
-    RunResult result = run("--dump " + quote(song.string()));
+    RunResult result = run("--dump " + quote(song));
     EXPECT_EQ(result.status, 0) << result.err;
     for (std::string expected : {
              std::string("{\"tempo\": 133, \"volume\": 0.699999988, \"stepsPerPattern\": 16, \"beatsPerPattern\": 4, "
@@ -189,73 +132,52 @@ TEST_F(CommandLine, DumpPrintsTheLoadedSongAsJson)
     }
 }
 
-TEST_F(CommandLine, MissingSampleIsAWarningAndTheInstrumentStaysEmpty)
+TEST_F(CommandLine, AMissingSampleIsAWarningUnlessTheDocumentsFolderHasItsFileName)
 {
-    fs::path sample = writeSample(folder / "smp/saw.wav");
-    fs::path song = writeSong(sample);
     fs::remove(sample);
-    RunResult result = run("--dump " + quote(song.string()));
+    RunResult result = run("--dump " + quote(song));
     EXPECT_EQ(result.status, 0);
     EXPECT_NE(result.err.find("pulsara: warning: can't find sample \"smp/saw.wav\""), std::string::npos) << result.err;
     EXPECT_NE(result.out.find("{\"slot\": 0, \"name\": \"Saw\", \"path\": \"\", \"volume\": 0.699999988, \"frames\": 0}"),
         std::string::npos);
-}
 
-TEST_F(CommandLine, SampleIsFoundInTheDocumentsFolderByItsFileName)
-{
-    fs::path sample = writeSample(folder / "smp/saw.wav");
-    fs::path song = writeSong(sample);
-    fs::path moved = folder / "home/Documents/Pulsara/saw.wav";
-    fs::rename(sample, moved);
-    RunResult result = run("--dump " + quote(song.string()));
+    std::u16string found = folder.write("home/Documents/Pulsara/saw.wav", test::makeWav(1, 22050, 16, test::pcm16({ 1, 2 })));
+    result = run("--dump " + quote(song));
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.err, "");
-    EXPECT_NE(result.out.find("\"path\": \"" + moved.string() + "\""), std::string::npos);
+    EXPECT_NE(result.out.find("\"path\": \"" + fs::path(found).string() + "\""), std::string::npos);
 }
 
-TEST_F(CommandLine, BadSongFilesGiveTheirMessageAndStatus)
+TEST_F(CommandLine, BadFilesGiveTheirMessageAndStatus)
 {
-    fs::path song = writeSong(writeSample(folder / "smp/saw.wav"));
-    std::string good = readText(song);
-    writeBytes(folder / "text.kqu", "hello, world");
-    writeBytes(folder / "cut.kqu", good.substr(0, good.size() / 2));
+    std::vector<uint8_t> good = folder.read("song.kqu");
+    folder.write("text.kqu", { 'h', 'e', 'l', 'l', 'o' });
+    folder.write("cut.kqu", std::vector<uint8_t>(good.begin(), good.begin() + good.size() / 2));
     // A tempo item holding a string instead of a number.
-    writeBytes(folder / "corrupt.kqu", std::string("KVS0\x09\x05\x41\x00\x00\x00\x00", 11));
-
+    folder.write("corrupt.kqu", { 'K', 'V', 'S', '0', 0x09, 0x05, 0x41, 0x00, 0x00, 0x00, 0x00 });
+    auto at = [&](const char* name) { return (folder.path() / name).string(); };
     struct Case {
-        const char* file;
+        const char* song;
+        std::string output;
         int status;
         std::string message;
     };
     for (const Case& c : std::initializer_list<Case> {
-             { "text.kqu", 1, "pulsara: error: Not a kvSong file (" + (folder / "text.kqu").string() + ")\n" },
-             { "absent.kqu", 1, "pulsara: error: Can't open kvSong file \"" + (folder / "absent.kqu").string() + "\"\n" },
-             { "cut.kqu", 0, "" },
-             { "corrupt.kqu", 255, "pulsara: FATAL ERROR: The song file is corrupted (" + (folder / "corrupt.kqu").string() + ")\n" },
+             { "text.kqu", at("out.wav"), 1, "pulsara: error: Not a kvSong file (" + at("text.kqu") + ")\n" },
+             { "absent.kqu", at("out.wav"), 1, "pulsara: error: Can't open kvSong file \"" + at("absent.kqu") + "\"\n" },
+             { "cut.kqu", at("out.wav"), 0, "" },
+             { "corrupt.kqu", at("out.wav"), 255,
+                 "pulsara: FATAL ERROR: The song file is corrupted (" + at("corrupt.kqu") + ")\n" },
+             { "song.kqu", at("no/such/folder/out.wav"), 1, "pulsara: error: can't create file (" + at("no/such/folder/out.wav") + ")\n" },
          }) {
-        RunResult result = run("--export " + quote((folder / "out.wav").string()) + " " + quote((folder / c.file).string()));
-        EXPECT_EQ(result.status, c.status) << c.file;
-        EXPECT_EQ(result.err, c.message) << c.file;
+        RunResult result = run("--export " + quote(c.output) + " " + quote(at(c.song)));
+        EXPECT_EQ(result.status, c.status) << c.song;
+        EXPECT_EQ(result.err, c.message) << c.song;
     }
-}
-
-TEST_F(CommandLine, BrokenSampleIsReportedWithItsFileAndTheExportStillWritten)
-{
-    fs::path sample = writeSample(folder / "smp/saw.wav");
-    fs::path song = writeSong(sample);
-    writeBytes(sample, "RIFX");
-    fs::path output = folder / "out.wav";
-    RunResult result = run("--export " + quote(output.string()) + " " + quote(song.string()));
+    // A broken sample is reported with its file, and the export is still written.
+    folder.write("smp/saw.wav", { 'R', 'I', 'F', 'X' });
+    RunResult result = run("--export " + quote(at("broken.wav")) + " " + quote(song));
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "pulsara: error: Missing RIFF: Can't read WAV file. (" + sample.string() + ")\n");
-    EXPECT_TRUE(fs::exists(output));
-}
-
-TEST_F(CommandLine, UnwritableOutputIsReported)
-{
-    fs::path song = writeSong(writeSample(folder / "smp/saw.wav"));
-    std::string output = (folder / "no/such/folder/out.wav").string();
-    RunResult result = run("--export " + quote(output) + " " + quote(song.string()));
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "pulsara: error: can't create file (" + output + ")\n");
+    EXPECT_TRUE(fs::exists(at("broken.wav")));
 }

@@ -1,9 +1,9 @@
 // Plays a short song through RtAudio into a private PulseAudio null sink and checks that what
 // came out is the song: the same sound as its export, at a small lag and the same level.
-#include "Sound/SampleLocator.h"
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
-#include "base/Path.h"
+#include "support/RecordingLocator.h"
+#include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sys/wait.h>
 #include <vector>
 
@@ -23,53 +20,11 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kNoServer = 77;
-constexpr uint32_t kWavHeaderBytes = 46;
 
-// Samples sit beside the song and are stored by bare name.
-class BesideTheSong final : public SampleLocator {
-public:
-    void locateSample(Song&, std::u16string_view, uint32_t) override { }
-    PathString storedSamplePath(std::u16string_view samplePath, std::u16string_view) override
-    {
-        return PathString(pathFileName(samplePath));
-    }
-};
-
-// Two passes of a kick and snare beat: 3.2 s at tempo 150.
-fs::path writeShortSong(const fs::path& folder)
+std::vector<int16_t> samplesOf(const std::vector<uint8_t>& bytes, size_t skipBytes)
 {
-    fs::create_directories(folder);
-    fs::path demo = fs::path(PULSARA_SHARE_DIR) / "Demo";
-    for (const char* name : { "Kick1.wav", "Snare.wav" })
-        fs::copy_file(demo / name, folder / name, fs::copy_options::overwrite_existing);
-    Song song;
-    song.instrument(0).sample().load((folder / "Kick1.wav").u16string());
-    song.instrument(1).sample().load((folder / "Snare.wav").u16string());
-    StepGrid& beat = song.player().pattern(0);
-    for (uint32_t step : { 0u, 6u, 10u })
-        beat.setCell(0, step, { 1.0f, 1.0f, 0 });
-    for (uint32_t step : { 4u, 12u })
-        beat.setCell(1, step, { 0.8f, 1.0f, 0 });
-    song.player().playlist().set(0, 0, 1.0f);
-    song.player().playlist().set(0, 1, 1.0f);
-    fs::path path = folder / "short.kqu";
-    BesideTheSong locator;
-    saveSong(song, path.u16string(), locator);
-    return path;
-}
-
-std::string readFile(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
-
-std::vector<int16_t> readSamples(const fs::path& path, size_t skipBytes)
-{
-    std::string bytes = readFile(path);
     std::vector<int16_t> samples(bytes.size() > skipBytes ? (bytes.size() - skipBytes) / 2 : 0);
-    if (!samples.empty())
-        std::memcpy(samples.data(), bytes.data() + skipBytes, samples.size() * 2);
+    std::memcpy(samples.data(), bytes.data() + skipBytes, samples.size() * 2);
     return samples;
 }
 
@@ -78,8 +33,9 @@ size_t firstSound(const std::vector<int16_t>& samples)
     return static_cast<size_t>(std::find_if(samples.begin(), samples.end(), [](int16_t s) { return std::abs(s) > 300; }) - samples.begin());
 }
 
-// Normalised cross-correlation of `reference` with `recorded` shifted by `lag`.
-double correlation(const std::vector<int16_t>& reference, const std::vector<int16_t>& recorded, long lag)
+// How well `recorded` shifted by `lag` matches `reference`: the normalised cross-correlation,
+// and the level of the recording against the reference in dB.
+std::pair<double, double> match(const std::vector<int16_t>& reference, const std::vector<int16_t>& recorded, long lag)
 {
     double both = 0.0, referenceEnergy = 0.0, recordedEnergy = 0.0;
     for (size_t i = 0; i < reference.size(); ++i) {
@@ -90,15 +46,9 @@ double correlation(const std::vector<int16_t>& reference, const std::vector<int1
         referenceEnergy += r * r;
         recordedEnergy += s * s;
     }
-    return referenceEnergy > 0.0 && recordedEnergy > 0.0 ? both / std::sqrt(referenceEnergy * recordedEnergy) : 0.0;
-}
-
-double rms(const std::vector<int16_t>& samples, size_t from, size_t count)
-{
-    double sum = 0.0;
-    for (size_t i = from; i < from + count && i < samples.size(); ++i)
-        sum += static_cast<double>(samples[i]) * samples[i];
-    return std::sqrt(sum / static_cast<double>(count));
+    if (referenceEnergy == 0.0 || recordedEnergy == 0.0)
+        return { 0.0, 0.0 };
+    return { both / std::sqrt(referenceEnergy * recordedEnergy), 10.0 * std::log10(recordedEnergy / referenceEnergy) };
 }
 
 int run(const std::string& command)
@@ -107,33 +57,44 @@ int run(const std::string& command)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// Each test gets a scratch folder of its own (ctest runs them in parallel) holding the short song.
+// Two passes of a kick and snare beat (3.2 s at tempo 150), its samples stored beside it.
 struct Playback : ::testing::Test {
-    ~Playback() override
+    void SetUp() override
     {
-        if (!std::getenv("PULSARA_KEEP_PLAYBACK"))
-            fs::remove_all(folder);
+        fs::path demo = fs::path(PULSARA_SHARE_DIR) / "Demo";
+        Song beat;
+        for (uint32_t slot : { 0u, 1u }) {
+            const char* name = slot == 0 ? "Kick1.wav" : "Snare.wav";
+            fs::copy_file(demo / name, folder.path() / name);
+            beat.instrument(slot).sample().load(folder.file(name));
+        }
+        for (uint32_t step : { 0u, 6u, 10u })
+            beat.player().pattern(0).setCell(0, step, { 1.0f, 1.0f, 0 });
+        for (uint32_t step : { 4u, 12u })
+            beat.player().pattern(0).setCell(1, step, { 0.8f, 1.0f, 0 });
+        beat.player().playlist().set(0, 0, 1.0f);
+        beat.player().playlist().set(0, 1, 1.0f);
+        test::RecordingLocator locator;
+        ASSERT_EQ(saveSong(beat, song.u16string(), locator), 1);
     }
-    std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-    fs::path folder = fs::temp_directory_path() / ("pulsara-" + name + "-" + std::to_string(getpid()));
-    fs::path song = writeShortSong(folder);
+    test::ScratchFolder folder;
+    fs::path song = folder.path() / "short.kqu";
 };
 
 } // namespace
 
 TEST_F(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
 {
-    fs::path exported = folder / "export.wav";
-    fs::path recorded = folder / "recorded.raw";
-    ASSERT_EQ(run(std::string(PULSARA_BINARY) + " --export '" + exported.string() + "' '" + song.string() + "'"), 0);
-    int status = run(std::string("bash '") + PULSARA_SOURCE_DIR + "/tests/cli/with_null_sink.sh' --record '" + recorded.string()
-        + "' -- " + PULSARA_BINARY + " --play '" + song.string() + "' --rate 44100 --mono --latency 100 </dev/null");
+    ASSERT_EQ(run(std::string(PULSARA_BINARY) + " --export '" + folder.path().string() + "/export.wav' '" + song.string() + "'"), 0);
+    int status = run(std::string("bash '") + PULSARA_SOURCE_DIR + "/tests/cli/with_null_sink.sh' --record '"
+        + folder.path().string() + "/recorded.raw' -- " + PULSARA_BINARY + " --play '" + song.string()
+        + "' --rate 44100 --mono --latency 100 </dev/null");
     if (status == kNoServer)
         GTEST_SKIP() << "no PulseAudio server can be started here";
     ASSERT_EQ(status, 0);
 
-    std::vector<int16_t> reference = readSamples(exported, kWavHeaderBytes);
-    std::vector<int16_t> output = readSamples(recorded, 0);
+    std::vector<int16_t> reference = samplesOf(folder.read("export.wav"), 46);
+    std::vector<int16_t> output = samplesOf(folder.read("recorded.raw"), 0);
     ASSERT_GT(reference.size(), 44100u * 3);
     size_t referenceStart = firstSound(reference);
     size_t outputStart = firstSound(output);
@@ -145,25 +106,23 @@ TEST_F(Playback, PlaysTheSongIntoTheSoundServerAsItExports)
     long bestLag = coarse;
     double best = -1.0;
     for (long lag = coarse - 1100; lag <= coarse + 1100; ++lag) {
-        double c = correlation(reference, output, lag);
-        if (c > best) {
+        if (double c = match(reference, output, lag).first; c > best) {
             best = c;
             bestLag = lag;
         }
     }
-    EXPECT_GT(best, 0.95) << "lag " << bestLag;
-    // The whole song came out, not only its beginning.
-    ASSERT_GE(static_cast<long>(output.size()), bestLag + static_cast<long>(reference.size()) - 4410);
-    double level = 20.0 * std::log10(rms(output, static_cast<size_t>(bestLag + static_cast<long>(referenceStart)), 44100 * 3)
-                                     / rms(reference, referenceStart, 44100 * 3));
+    auto [correlation, level] = match(reference, output, bestLag);
+    EXPECT_GT(correlation, 0.95) << "lag " << bestLag;
     EXPECT_NEAR(level, 0.0, 3.0);
+    // The whole song came out, not only its beginning.
+    EXPECT_GE(static_cast<long>(output.size()), bestLag + static_cast<long>(reference.size()) - 4410);
 }
 
 TEST_F(Playback, SaysSoInOneLineWhenNoDeviceCanBeOpened)
 {
-    fs::path errors = folder / "stderr.txt";
     int status = run("PULSARA_AUDIO_BACKEND=pulse PULSE_SERVER=unix:/nonexistent/pulsara-socket " + std::string(PULSARA_BINARY)
-        + " --play '" + song.string() + "' </dev/null 2>'" + errors.string() + "'");
+        + " --play '" + song.string() + "' </dev/null 2>'" + folder.path().string() + "/stderr.txt'");
     EXPECT_EQ(status, 1);
-    EXPECT_EQ(readFile(errors), "pulsara: error: no audio output device could be opened\n");
+    std::vector<uint8_t> errors = folder.read("stderr.txt");
+    EXPECT_EQ(std::string(errors.begin(), errors.end()), "pulsara: error: no audio output device could be opened\n");
 }

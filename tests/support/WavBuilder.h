@@ -1,18 +1,12 @@
 #pragma once
 
-// Builds WAV file bytes for tests, and writes them to a temporary file:
-//   TempWavFile file(makeWav(1, 22050, 8, pcm8({ 128, 255, 0 })), "kick.hard.wav");
+// Builds WAV file bytes for tests: makeWav(1, 22050, 8, pcm8({ 128, 255, 0 })).
 
-#include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <initializer_list>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -87,34 +81,5 @@ inline std::vector<uint8_t> makeWav(uint16_t channels, uint32_t rate, uint16_t b
     extraChunks.push_back(WavChunk { "data", std::move(samples) });
     return riffWave(extraChunks);
 }
-
-// A file in a fresh temporary folder, removed with the folder when this goes away.
-class TempWavFile {
-public:
-    explicit TempWavFile(const std::vector<uint8_t>& bytes, const std::string& fileName = "sample.wav")
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "pulsara-test-XXXXXX").string();
-        if (!::mkdtemp(pattern.data()))
-            throw std::system_error(errno, std::generic_category(), "mkdtemp");
-        folder_ = pattern;
-        std::ofstream(folder_ / fileName, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        path_ = (folder_ / fileName).u16string();
-    }
-    ~TempWavFile()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    TempWavFile(const TempWavFile&) = delete;
-    TempWavFile& operator=(const TempWavFile&) = delete;
-
-    const std::u16string& path() const { return path_; }
-    const std::filesystem::path& folder() const { return folder_; }
-
-private:
-    std::filesystem::path folder_;
-    std::u16string path_;
-};
 
 } // namespace pulsara::test

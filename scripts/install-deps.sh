@@ -12,6 +12,7 @@ packages=(
     fonts-liberation2
     pulseaudio pulseaudio-utils
     sox
+    xvfb xdotool imagemagick python3
 )
 
 missing=()

@@ -13,6 +13,7 @@ namespace {
 struct MenuItem {
     const char* text; // null: a separator
     uint16_t commandId;
+    const char* shortcut = nullptr;
     bool checkable = false;
 };
 
@@ -23,12 +24,14 @@ struct Menu {
 
 constexpr uint16_t kEmptySongCommand = 40018;
 
+const Menu kNewMenu = { "New", { { "Empty", kEmptySongCommand, "Ctrl+N" } } };
 const Menu kFileMenu = { "File",
-    { { "Open...", 40012 }, { nullptr, 0 }, { "Save", 40019 }, { "Save as...", 40013 }, { "Save new version", 40020 },
-        { nullptr, 0 }, { "Export to WAV", 40034 }, { nullptr, 0 }, { "Exit", 40002 } } };
+    { { "Open...", 40012, "Ctrl+O" }, { nullptr, 0 }, { "Save", 40019, "Ctrl+S" }, { "Save as...", 40013, "Ctrl+Shift+S" },
+        { "Save new version", 40020, "Ctrl+Alt+S" }, { nullptr, 0 }, { "Export to WAV", 40034, "Ctrl+E" }, { nullptr, 0 },
+        { "Exit", 40002, "Ctrl+Q" } } };
 const Menu kToolsMenu = { "Tools",
-    { { "Liveact", 40029, true }, { nullptr, 0 }, { "Settings", 40015 }, { "Song Properties", 40033 } } };
-const Menu kHelpMenu = { "Help", { { "Help", 40028 }, { nullptr, 0 }, { "About", 40027 } } };
+    { { "Liveact", 40029, nullptr, true }, { nullptr, 0 }, { "Settings", 40015, "Ctrl+," }, { "Song Properties", 40033 } } };
+const Menu kHelpMenu = { "Help", { { "Help", 40028, "F1" }, { nullptr, 0 }, { "About", 40027 } } };
 
 void addItems(QMenu* menu, const Menu& items, const std::function<void(uint16_t)>& sendCommand,
     const std::function<bool(uint16_t)>& isAvailable)
@@ -42,6 +45,8 @@ void addItems(QMenu* menu, const Menu& items, const std::function<void(uint16_t)
         const uint16_t id = item.commandId;
         action->setData(id);
         action->setCheckable(item.checkable);
+        if (item.shortcut)
+            action->setShortcut(QKeySequence(QString::fromLatin1(item.shortcut)));
         action->setEnabled(!isAvailable || isAvailable(id));
         QObject::connect(action, &QAction::triggered, menu, [sendCommand, id] {
             if (sendCommand)
@@ -59,7 +64,7 @@ bool buildMenuBar(QMenuBar* menuBar, QUndoStack& history, std::function<void(uin
         return false;
     QMenu* file = menuBar->addMenu(QStringLiteral("File"));
     QMenu* newSong = file->addMenu(QStringLiteral("New"));
-    addItems(newSong, Menu { "New", { { "Empty", kEmptySongCommand } } }, sendCommand, isAvailable);
+    addItems(newSong, kNewMenu, sendCommand, isAvailable);
     addItems(file, kFileMenu, sendCommand, isAvailable);
 
     QMenu* edit = menuBar->addMenu(QStringLiteral("Edit"));

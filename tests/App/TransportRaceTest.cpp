@@ -6,6 +6,7 @@
 
 #include "Sound/Song.h"
 #include "support/PulledWaveDevice.h"
+#include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
 
 #include <gtest/gtest.h>
@@ -99,8 +100,9 @@ void arrange(Song& song)
 
 TEST(TransportRace, GuiEditsLoadsAndMovesWhileTheDeviceThreadRenders)
 {
-    test::TempWavFile mono(test::makeWav(1, 11025, 8, std::vector<uint8_t>(3000, 200)), "mono.wav");
-    test::TempWavFile stereo(test::makeWav(2, 22050, 16, test::pcm16(std::vector<int16_t>(2 * 3000, 9000))), "stereo.wav");
+    test::ScratchFolder folder;
+    const std::u16string mono = folder.write("mono.wav", test::makeWav(1, 11025, 8, std::vector<uint8_t>(3000, 200)));
+    const std::u16string stereo = folder.write("stereo.wav", test::makeWav(2, 22050, 16, test::pcm16(std::vector<int16_t>(2 * 3000, 9000))));
     Song song(AudioFormat { 22050, 32, 2 });
     arrange(song);
 
@@ -132,7 +134,7 @@ TEST(TransportRace, GuiEditsLoadsAndMovesWhileTheDeviceThreadRenders)
             }
             Sample& sample = song.instrument(round % 8).sample();
             if (round % 10 == 3)
-                sample.load((round / 10) % 2 ? mono.path() : stereo.path());
+                sample.load((round / 10) % 2 ? mono : stereo);
             if (round % 10 == 8)
                 sample.setFrames(std::vector<float>(500 + round % 1000, 0.5f), song.format().channels);
             if (round % 300 == 150) {

@@ -2,6 +2,7 @@
 #include "EditorHarness.h"
 #include "GUI/FileDialogs.h"
 #include "GUI/ScriptedPrompts.h"
+#include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
 
 #include <QUndoStack>
@@ -34,7 +35,8 @@ struct ScriptedDialog {
 
 TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
 {
-    TempWavFile kick(makeWav(1, 44100, 16, pcm16({ 1000, -1000 })), "Kick1.wav");
+    ScratchFolder folder;
+    const std::u16string kick = folder.write("Kick1.wav", makeWav(1, 44100, 16, pcm16({ 1000, -1000 })));
     Editors editors;
     Instrument& instrument = editors.song.instrument(0);
     InstrumentPanel& panel = editors.editor.patternPage().instrumentPanel();
@@ -49,13 +51,13 @@ TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
         EXPECT_EQ(history.count(), 0);
     }
     {
-        ScriptedDialog chosen(kick.path());
+        ScriptedDialog chosen(kick);
         panel.open();
-        EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick.path());
+        EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick);
         EXPECT_EQ(panel.fileText(), u"Kick1.wav");
         EXPECT_EQ(editors.host.sampleLoads, 1);
         panel.open();
-        EXPECT_EQ(chosen.started, kick.path()) << "the dialog starts at the instrument's own file";
+        EXPECT_EQ(chosen.started, kick) << "the dialog starts at the instrument's own file";
     }
 
     ScriptedPrompts answers({ PromptAnswer::No, PromptAnswer::Yes });
@@ -70,7 +72,7 @@ TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
     EXPECT_FALSE(instrument.sample().isLoaded());
     EXPECT_EQ(instrument.volume(), 0.7f);
     history.undo();
-    EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick.path());
+    EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick);
     EXPECT_EQ(instrument.volume(), 0.5f);
 
     // The slider's drag sets the volume in hundredths, as one step.

@@ -5,6 +5,7 @@
 #include "Sound/SampleLocator.h"
 #include "Sound/Song.h"
 #include "Sound/SongWriter.h"
+#include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
 
 #include <QUndoStack>
@@ -32,8 +33,9 @@ std::vector<uint8_t> fileOf(const Song& song)
 
 TEST(SongEdits, UndoAndRedoTakeEveryEditBackAndForth)
 {
-    TempWavFile kick(makeWav(1, 44100, 16, pcm16({ 100, 200, 300 })), "kick.wav");
-    TempWavFile snare(makeWav(1, 44100, 16, pcm16({ -100, 50 })), "snare.wav");
+    ScratchFolder folder;
+    const std::u16string kick = folder.write("kick.wav", makeWav(1, 44100, 16, pcm16({ 100, 200, 300 })));
+    const std::u16string snare = folder.write("snare.wav", makeWav(1, 44100, 16, pcm16({ -100, 50 })));
     struct Case {
         const char* name;
         std::function<void(SongEdits&)> edit;
@@ -49,13 +51,13 @@ TEST(SongEdits, UndoAndRedoTakeEveryEditBackAndForth)
         { "Set loop", [](SongEdits& e) { e.setLoop(2, 5); } },
         { "Rename instrument", [](SongEdits& e) { e.renameInstrument(1, u"Snare"); } },
         { "Rename pattern", [](SongEdits& e) { e.renamePattern(4, u"Chorus"); } },
-        { "Open sample", [&](SongEdits& e) { e.loadSample(1, snare.path()); } },
+        { "Open sample", [&](SongEdits& e) { e.loadSample(1, snare); } },
         { "Clear instrument", [](SongEdits& e) { e.clearInstrument(0); } },
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Song song;
-        song.instrument(0).sample().load(kick.path());
+        song.instrument(0).sample().load(kick);
         song.instrument(0).setVolume(0.4f);
         song.player().playlist().set(0, 1, 1.0f);
         SongEdits edits(song);

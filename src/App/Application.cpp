@@ -1,11 +1,18 @@
 #include "App/Application.h"
 
+#include "App/AboutBox.h"
 #include "App/DataFolders.h"
 #include "App/ExportProgress.h"
+#include "App/HelpLauncher.h"
+#include "App/SettingsDialog.h"
 #include "GUI/NativeWindow.h"
+#include "GUI/Prompts.h"
 #include "GUI/Skin.h"
 #include "GUI/WindowMessage.h"
+#include "base/Path.h"
 #include "base/text.h"
+
+#include <QApplication>
 
 #include <algorithm>
 #include <cmath>
@@ -64,6 +71,15 @@ Application::~Application()
 
 void Application::initialise(int latencyMs)
 {
+    AppSettings settings;
+    settings.bufferLength = latencyMs;
+    settings.samplesDir = samplesFolder();
+    initialise(settings);
+}
+
+void Application::initialise(const AppSettings& settings)
+{
+    settings_ = settings;
     const QFont displayFont = shellFont(15, true);
     const QColor displayColour(0x2e, 0xc4, 0xb6);
     counterDisplay_.setFrame(&skin_.panelD);
@@ -134,15 +150,95 @@ void Application::initialise(int latencyMs)
     edits_.onApplied = [this](EditScope scope, bool fromHistory) { onEditApplied(scope, fromHistory); };
     edits_.onCleanChanged = [this](bool clean) { document_.setDirty(!clean); };
 
-    setInterpolation(interpolation_);
+    song_.setFormat({ settings.sampleRate, 32, settings.channels });
+    setInterpolation(settings.interpolation != 0);
+    const uint32_t release = settings.releaseWaveOut ? SongDocument::kReleaseDeviceFlag : 0;
+    document_.setFlags((document_.flags() & ~SongDocument::kReleaseDeviceFlag) | release);
     transport_.setDrainsInBackground(true);
     transport_.setDocumentFlags(document_.flags());
-    transport_.open(latencyMs);
+    transport_.open(settings.bufferLength);
     transport_.setMeterListener(this);
-    document_.setFolders(samplesFolder(), templatesFolder(), samplesFolder());
-    mainEditor_.patternPage().instrumentPanel().setSamplesFolder(samplesFolder());
+    document_.setFolders(samplesFolder(), templatesFolder(), settings.samplesDir.empty() ? samplesFolder() : settings.samplesDir);
+    document_.setLastSample(settings.lastSample);
+    mainEditor_.patternPage().instrumentPanel().setSamplesFolder(document_.samplesFolder());
     document_.makeUntitled();
     showNewSong();
+    if (settings.liveact)
+        toggleLiveact();
+}
+
+AppSettings Application::currentSettings() const
+{
+    AppSettings settings = settings_;
+    settings.sampleRate = song_.format().sampleRate;
+    settings.channels = song_.format().channels;
+    settings.interpolation = interpolation_ ? 1 : 0;
+    settings.liveact = liveact_ ? 1 : 0;
+    settings.bufferLength = transport_.latency();
+    settings.releaseWaveOut = document_.flags() & SongDocument::kReleaseDeviceFlag;
+    settings.lastSong = std::u16string(document_.songPath().view());
+    settings.lastSample = std::u16string(document_.lastSample().view());
+    settings.samplesDir = document_.samplesFolder();
+    return settings;
+}
+
+void Application::openFirstSong()
+{
+    if (!settings_.lastSong.empty() && fileExists(settings_.lastSong))
+        loadSongFile(settings_.lastSong);
+    document_.offerUntitledRecovery();
+}
+
+void Application::runSettingsDialog()
+{
+    AppSettings settings = currentSettings();
+    SettingsDialog dialog(settings, QApplication::activeWindow());
+    // The latency takes effect as soon as it is chosen; the stream restarts with it if running.
+    dialog.onLatency = [this](int milliseconds) { transport_.setLatency(milliseconds); };
+    dialog.exec();
+    dialog.applyTo(settings);
+    setInterpolation(settings.interpolation != 0);
+    const uint32_t release = settings.releaseWaveOut ? SongDocument::kReleaseDeviceFlag : 0;
+    document_.setFlags((document_.flags() & ~SongDocument::kReleaseDeviceFlag) | release);
+    transport_.setDocumentFlags(document_.flags());
+    const AudioFormat format { settings.sampleRate, 32, settings.channels };
+    if (format.sampleRate != song_.format().sampleRate || format.channels != song_.format().channels)
+        transport_.changeFormat(format);
+}
+
+void Application::rememberSong(std::u16string_view path)
+{
+    rememberRecentSong(settings_, path);
+    updateRecentMenu();
+}
+
+void Application::updateRecentMenu()
+{
+    NativeWindow* window = windowHandle();
+    if (!window)
+        return;
+    std::vector<PopupMenuItem> items;
+    for (size_t index = 0; index < settings_.recentSongs.size(); ++index)
+        items.push_back({ settings_.recentSongs[index], uint32_t(kFirstRecentCommand + index) });
+    window->setMenuItemsAfter(kRecentMenuCommand, items);
+}
+
+void Application::openRecentSong(uint32_t index)
+{
+    if (index >= settings_.recentSongs.size())
+        return;
+    const std::u16string path = settings_.recentSongs[index];
+    if (!fileExists(path)) {
+        // A song that has gone leaves the list when it is chosen.
+        settings_.recentSongs.erase(settings_.recentSongs.begin() + index);
+        updateRecentMenu();
+        prompts().ask(u"\"" + path + u"\" is no longer there.", u"Open Recent", PromptButtons::Ok);
+        return;
+    }
+    if (document_.askSaveChanges(u"Open Song"))
+        return;
+    document_.setDirty(false);
+    loadSongFile(path);
 }
 
 // Documents.
@@ -494,7 +590,9 @@ intptr_t Application::onCreate(NativeWindow* window)
     checkMenuItem(kLiveactCommand, liveact_);
     document_.updateTitle();
     document_.buildTemplatesMenu();
+    updateRecentMenu();
     followTimer_.setTimer(kFollowPeriodMs);
+    autosaveTimer_.setTimer(Autosave::kPeriodMs);
     return result;
 }
 
@@ -586,6 +684,10 @@ void Application::handleCommand(uint32_t id)
         mainEditor_.command(id);
         return;
     }
+    if (id >= kFirstRecentCommand && id < kFirstRecentCommand + AppSettings::kRecentSongs) {
+        openRecentSong(id - kFirstRecentCommand);
+        return;
+    }
     switch (id) {
     case kNewEmptyCommand:
         document_.newEmptySong();
@@ -610,6 +712,15 @@ void Application::handleCommand(uint32_t id)
         break;
     case kLiveactCommand:
         toggleLiveact();
+        break;
+    case kSettingsCommand:
+        runSettingsDialog();
+        break;
+    case kAboutCommand:
+        showAboutBox(QApplication::activeWindow());
+        break;
+    case kHelpCommand:
+        openHelp();
         break;
     case kSongPropertiesCommand:
         showSongProperties();

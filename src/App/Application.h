@@ -1,5 +1,7 @@
 #pragma once
 
+#include "App/AppSettings.h"
+#include "App/Autosave.h"
 #include "App/PairDisplay.h"
 #include "App/SongDocument.h"
 #include "App/TopBar.h"
@@ -55,11 +57,16 @@ public:
         kNewEmptyCommand = 40018,
         kSaveCommand = 40019,
         kSaveNewVersionCommand = 40020,
+        kSettingsCommand = 40015,
+        kAboutCommand = 40027,
+        kHelpCommand = 40028,
         kLiveactCommand = 40029,
         kSongPropertiesCommand = 40033,
         kExportCommand = 40034,
         kFirstTemplateCommand = 40200,
         kLastTemplateCommand = 40299,
+        kRecentMenuCommand = 40399,
+        kFirstRecentCommand = 40400,
     };
 
     // The device is not owned; it plays what the transport renders.
@@ -67,8 +74,17 @@ public:
     ~Application() override;
 
     // Everything that needs no window: the controls' skins, the tree, the song set up as the
-    // program starts (tempo 150, master volume 0.7, 40 instruments at 0.7, an empty song).
+    // program starts (tempo 150, master volume 0.7, 40 instruments at 0.7, an empty song), and
+    // the user's settings: the output format and latency, resampling, live mode, sharing the
+    // device, the folders and the song to open first.
+    void initialise(const AppSettings&);
+    // The same with the default settings but for the latency, in milliseconds.
     void initialise(int latencyMs);
+    // The settings as they stand, to be kept for the next start.
+    AppSettings currentSettings() const;
+    // The first song: the file at the settings' last song when there is one, else an empty
+    // song; an untitled song a crash left behind is offered back.
+    void openFirstSong();
     // Loads a song file, asking for the samples it names that are not where it says; a file
     // that cannot be read leaves an empty song. Returns 1 when loaded.
     int loadSongFile(std::u16string_view path);
@@ -139,8 +155,13 @@ private:
         Application& application_;
     };
 
+    void runSettingsDialog();
+    void openRecentSong(uint32_t index);
+    void updateRecentMenu();
+
     // DocumentHost
     void showNewSong() override;
+    void rememberSong(std::u16string_view path) override;
     void setTitle(std::u16string_view) override;
     void storeViewState() override;
     bool stopForExport() override;
@@ -148,6 +169,21 @@ private:
     bool exportSong(std::u16string_view path) override;
     void closeWindow() override;
     void setTemplatesMenu(const std::vector<std::u16string>& names) override;
+
+    class AutosaveTimer : public Timer {
+    public:
+        explicit AutosaveTimer(Application& application) : application_(application) { }
+
+    protected:
+        int32_t onTimer() override
+        {
+            application_.document_.autosave();
+            return 0;
+        }
+
+    private:
+        Application& application_;
+    };
 
     // Device callback thread: no allocation, locks, I/O or logging.
     void onPeaks(float left, float right) override;
@@ -187,6 +223,8 @@ private:
     int32_t topBarMode_ = kSongMode;
     uint32_t drainingSince_ = 0;
     FollowTimer followTimer_ { *this };
+    AutosaveTimer autosaveTimer_ { *this };
+    AppSettings settings_;
 };
 
 } // namespace pulsara

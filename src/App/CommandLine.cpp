@@ -15,9 +15,6 @@
 #include <filesystem>
 #include <unistd.h>
 
-#ifndef PULSARA_VERSION
-#define PULSARA_VERSION "0"
-#endif
 
 namespace pulsara {
 

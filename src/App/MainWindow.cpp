@@ -6,17 +6,7 @@
 
 #include <QUndoStack>
 
-#include <algorithm>
-#include <array>
-
 namespace pulsara {
-
-namespace {
-
-// Settings, Help and About are yet to come.
-constexpr std::array<uint16_t, 3> kUnavailable { 40015, 40028, 40027 };
-
-} // namespace
 
 MainWindow::MainWindow(RootElement& root, QUndoStack& history) : canvas_(root, this)
 {
@@ -25,9 +15,7 @@ MainWindow::MainWindow(RootElement& root, QUndoStack& history) : canvas_(root, t
     // The keys (Escape, the editors' keys, live play) go to the canvas from the start.
     canvas_.setFocus();
     canvas_.buildMenus = [&root, &history](QMenuBar* menuBar) {
-        return buildMenuBar(
-            menuBar, history, [&root](uint16_t id) { root.handleMessage(kMessageCommand, id, 0); },
-            [](uint16_t id) { return std::find(kUnavailable.begin(), kUnavailable.end(), id) == kUnavailable.end(); });
+        return buildMenuBar(menuBar, history, [&root](uint16_t id) { root.handleMessage(kMessageCommand, id, 0); }, {});
     };
 }
 

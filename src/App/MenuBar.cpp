@@ -25,8 +25,10 @@ struct Menu {
 constexpr uint16_t kEmptySongCommand = 40018;
 
 const Menu kNewMenu = { "New", { { "Empty", kEmptySongCommand, "Ctrl+N" } } };
+constexpr uint16_t kRecentMenuCommand = 40399;
+const Menu kOpenMenu = { "File", { { "Open...", 40012, "Ctrl+O" } } };
 const Menu kFileMenu = { "File",
-    { { "Open...", 40012, "Ctrl+O" }, { nullptr, 0 }, { "Save", 40019, "Ctrl+S" }, { "Save as...", 40013, "Ctrl+Shift+S" },
+    { { nullptr, 0 }, { "Save", 40019, "Ctrl+S" }, { "Save as...", 40013, "Ctrl+Shift+S" },
         { "Save new version", 40020, "Ctrl+Alt+S" }, { nullptr, 0 }, { "Export to WAV", 40034, "Ctrl+E" }, { nullptr, 0 },
         { "Exit", 40002, "Ctrl+Q" } } };
 const Menu kToolsMenu = { "Tools",
@@ -65,6 +67,10 @@ bool buildMenuBar(QMenuBar* menuBar, QUndoStack& history, std::function<void(uin
     QMenu* file = menuBar->addMenu(QStringLiteral("File"));
     QMenu* newSong = file->addMenu(QStringLiteral("New"));
     addItems(newSong, kNewMenu, sendCommand, isAvailable);
+    addItems(file, kOpenMenu, sendCommand, isAvailable);
+    // The songs opened or saved last, filled in by the application.
+    QMenu* recent = file->addMenu(QStringLiteral("Open Recent"));
+    recent->menuAction()->setData(kRecentMenuCommand);
     addItems(file, kFileMenu, sendCommand, isAvailable);
 
     QMenu* edit = menuBar->addMenu(QStringLiteral("Edit"));

@@ -1,5 +1,6 @@
 #include "App/SongDocument.h"
 
+#include "App/Autosave.h"
 #include "App/SampleSearch.h"
 #include "GUI/FileDialogs.h"
 #include "GUI/Prompts.h"
@@ -81,6 +82,8 @@ int SongDocument::askSaveChanges(std::u16string_view caption)
     std::u16string text = songName_.empty() ? u"Save changes?" : u"Save changes to \"" + songName_ + u"\"?";
     switch (prompts().ask(text, caption, PromptButtons::YesNoCancel)) {
     case PromptAnswer::No:
+        // The changes are given up, the copy that kept them for a crash with them.
+        discardAutosave();
         return 0;
     case PromptAnswer::Yes:
         return save() ? 0 : 1;
@@ -114,7 +117,9 @@ int SongDocument::newFromTemplate(uint32_t index)
     songPath_.assign(path.view());
     // A clean song now: the template's questions have been answered already.
     setDirty(false);
+    loadingTemplate_ = true;
     loadSongFile();
+    loadingTemplate_ = false;
     makeUntitled();
     return 1;
 }
@@ -162,14 +167,67 @@ int SongDocument::loadSongFile()
     const bool changedByLoad = flags_ & kDirtyAfterLoadFlag;
     flags_ &= ~(kUntitledFlag | kSkipQuestionsFlag | kDirtyAfterLoadFlag | kDirtyFlag);
     edits_.forgetHistory();
-    // A sample found elsewhere makes the song differ from its file.
-    if (changedByLoad) {
+    updateTitle();
+    const bool recovered = offerRecovery(autosavePath(),
+        u"\"" + songName_ + u"\" has changes that were not saved, kept when the program last ended. Recover them?");
+    // A sample found elsewhere makes the song differ from its file, as recovered changes do.
+    if (changedByLoad || recovered) {
         edits_.markUnsaved();
         flags_ |= kDirtyFlag;
     }
     updateTitle();
+    if (!loadingTemplate_)
+        host_.rememberSong(songPath_.view());
     host_.showNewSong();
     return 1;
+}
+
+bool SongDocument::offerRecovery(const std::u16string& path, std::u16string_view question)
+{
+    if (!Autosave::isNewer(path, (flags_ & kUntitledFlag) ? std::u16string_view() : songPath_.view()))
+        return false;
+    if (prompts().ask(question, u"Recover", PromptButtons::YesNo) != PromptAnswer::Yes) {
+        Autosave::remove(path);
+        return false;
+    }
+    flags_ &= ~kSkipQuestionsFlag;
+    return loadSong(song_, path, *this) == 1;
+}
+
+void SongDocument::offerUntitledRecovery()
+{
+    const std::u16string path = Autosave::pathFor({}, songsFolder_);
+    const uint32_t flags = flags_;
+    flags_ |= kUntitledFlag;
+    if (!offerRecovery(path, u"An untitled song has changes that were not saved, kept when the program last ended. Recover them?")) {
+        flags_ = flags;
+        return;
+    }
+    songPath_.clear();
+    songName_.clear();
+    edits_.forgetHistory();
+    edits_.markUnsaved();
+    flags_ |= kDirtyFlag | kUntitledFlag;
+    updateTitle();
+    host_.showNewSong();
+}
+
+std::u16string SongDocument::autosavePath() const
+{
+    return Autosave::pathFor((flags_ & kUntitledFlag) ? std::u16string_view() : songPath_.view(), songsFolder_);
+}
+
+bool SongDocument::autosave()
+{
+    if (!isDirty())
+        return false;
+    host_.storeViewState();
+    return Autosave::write(song_, *this, autosavePath());
+}
+
+void SongDocument::discardAutosave()
+{
+    Autosave::remove(autosavePath());
 }
 
 // Saving.
@@ -186,9 +244,13 @@ void SongDocument::afterSave(bool saved)
     // A failed write keeps the song modified (and untitled when it was), so the next exit asks.
     if (!saved)
         return;
+    // The file holds the song now; the copies made for a crash are older than it.
+    Autosave::remove(Autosave::pathFor({}, songsFolder_));
+    Autosave::remove(autosavePath());
     flags_ &= ~(kDirtyFlag | kUntitledFlag);
     edits_.markSaved();
     updateTitle();
+    host_.rememberSong(songPath_.view());
 }
 
 int SongDocument::save()
@@ -209,6 +271,7 @@ int SongDocument::saveAs()
         return 0;
     if (!writeTo(chosen.view()))
         return 0;
+    discardAutosave();
     songPath_ = chosen;
     afterSave(true);
     buildTemplatesMenu();
@@ -253,6 +316,7 @@ int SongDocument::saveNewVersion()
     std::u16string path = nextVersionPath(songPath_.view());
     if (!writeTo(path))
         return 0;
+    discardAutosave();
     songPath_.assign(path);
     afterSave(true);
     buildTemplatesMenu();
@@ -292,6 +356,7 @@ int SongDocument::exitApp()
 {
     if (askSaveChanges(u"Exit"))
         return 0;
+    discardAutosave();
     host_.closeWindow();
     return 1;
 }

@@ -32,6 +32,8 @@ public:
     virtual void closeWindow() = 0;
     // The templates found, in the order of the folder, for File > New.
     virtual void setTemplatesMenu(const std::vector<std::u16string>& names) = 0;
+    // A song file was opened or saved under this path (File > Open Recent).
+    virtual void rememberSong(std::u16string_view path) = 0;
 };
 
 // The song as a file: where it lives and what it is called, whether it is modified or
@@ -81,7 +83,14 @@ public:
     int exitApp();
 
     // Loads the song at songPath(); a song that cannot be read starts an empty one (1 loaded).
+    // A newer automatic copy of the song, left by a crash, is offered instead.
     int loadSongFile();
+    // Writes the automatic copy of a modified song (the song stays modified); true when one
+    // was written.
+    bool autosave();
+    // At start-up: an untitled song a crash left behind is offered back.
+    void offerUntitledRecovery();
+    std::u16string autosavePath() const;
     // The song just became an unnamed one (a new song, a template).
     void makeUntitled();
     void updateTitle();
@@ -114,6 +123,10 @@ private:
     // Writes the song to `path`; true when the file is in place.
     bool writeTo(std::u16string_view path);
     void afterSave(bool saved);
+    // The song is being let go: its automatic copy goes too.
+    void discardAutosave();
+    // Offers the automatic copy at `path` in place of what is loaded; true when taken.
+    bool offerRecovery(const std::u16string& path, std::u16string_view question);
 
     Song& song_;
     SongEdits& edits_;
@@ -128,6 +141,8 @@ private:
     std::u16string samplesFolder_;
     PathString lastSample_;
     std::vector<std::u16string> templates_;
+    // Loads from File > New's templates do not go into the recent songs.
+    bool loadingTemplate_ = false;
 };
 
 } // namespace pulsara

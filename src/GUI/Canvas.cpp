@@ -288,11 +288,14 @@ void Canvas::checkMenuItem(uint32_t commandId, bool checked)
 void Canvas::setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>& items)
 {
     QAction* anchor = menuAction(anchorCommand);
-    QMenu* menu = anchor ? qobject_cast<QMenu*>(anchor->parent()) : nullptr;
+    // A sub-menu's own item stands for all of its items.
+    QMenu* menu = anchor ? anchor->menu() : nullptr;
+    if (!menu && anchor)
+        menu = qobject_cast<QMenu*>(anchor->parent());
     if (!menu)
         return;
     const QList<QAction*> actions = menu->actions();
-    for (qsizetype index = actions.indexOf(anchor) + 1; index < actions.size(); ++index) {
+    for (qsizetype index = anchor->menu() ? 0 : actions.indexOf(anchor) + 1; index < actions.size(); ++index) {
         menu->removeAction(actions[index]);
         actions[index]->deleteLater();
     }

@@ -52,7 +52,8 @@ public:
     // Sets the check mark of the menu item that sends the command.
     virtual void checkMenuItem(uint32_t commandId, bool checked) = 0;
     // Replaces the items that follow the item of `anchorCommand` in its menu (File > New's
-    // templates after "Empty"); each sends its command as a command message.
+    // templates after "Empty"), or all the items of the sub-menu that `anchorCommand` names
+    // (File > Open Recent); each sends its command as a command message.
     virtual void setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>&) = 0;
     // A text box laid over the client area, hidden until shown.
     virtual std::unique_ptr<PlatformTextEdit> createTextEdit() = 0;

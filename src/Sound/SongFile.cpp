@@ -112,7 +112,7 @@ int createTemporaryBeside(const std::string& target, std::string& name)
 // Writes the bytes to a temporary file in the target's folder and renames it over the target,
 // so that the target holds either the old song or the whole new one. The old song stays as
 // <target>.bak: a second name for its file, made before the new one takes the target's name.
-bool replaceFile(const std::string& target, const std::vector<uint8_t>& bytes)
+bool replaceFile(const std::string& target, const std::vector<uint8_t>& bytes, Backup backup)
 {
     std::string temporaryName;
     FileDescriptor file(createTemporaryBeside(target, temporaryName));
@@ -120,10 +120,12 @@ bool replaceFile(const std::string& target, const std::vector<uint8_t>& bytes)
         return false;
     bool written = writeAll(file.get(), bytes) && ::fsync(file.get()) == 0;
     if (file.close() && written) {
-        std::string backup = target + ".bak";
-        ::unlink(backup.c_str());
-        if (::link(target.c_str(), backup.c_str()) != 0 && errno != ENOENT)
-            ::unlink(backup.c_str());
+        if (backup == Backup::Keep) {
+            std::string backupName = target + ".bak";
+            ::unlink(backupName.c_str());
+            if (::link(target.c_str(), backupName.c_str()) != 0 && errno != ENOENT)
+                ::unlink(backupName.c_str());
+        }
         if (::rename(temporaryName.c_str(), target.c_str()) == 0)
             return true;
     }
@@ -150,12 +152,12 @@ int loadSong(Song& song, std::u16string_view path, SampleLocator& locator)
     return SongReader(song, locator, contents.bytes, contents.end).read();
 }
 
-int saveSong(Song& song, std::u16string_view path, SampleLocator& locator)
+int saveSong(Song& song, std::u16string_view path, SampleLocator& locator, Backup backup)
 {
     std::vector<uint8_t> bytes = SongWriter(song, locator, path).write();
     // A save that fails leaves the old file as it was and the song in the program unsaved, so
     // that nothing is lost; the user hears why and can save elsewhere.
-    if (replaceFile(nativePath(path), bytes))
+    if (replaceFile(nativePath(path), bytes, backup))
         return 1;
     std::u16string message = u"cant open kvSong file to save \"";
     message += path;

@@ -62,9 +62,10 @@ int loadSong(Song&, std::u16string_view path, SampleLocator&);
 
 // Writes the whole song to `path` (through a temporary file in the same folder that replaces
 // it, so that a failed save never leaves a half-written song), keeping the file it replaces as
-// `path`.bak. The locator gives the stored form of each sample path. Returns 1 when the new file
+// `path`.bak unless told not to. The locator gives the stored form of each sample path. Returns 1 when the new file
 // is in place; otherwise reports "cant open kvSong file to save" with the path and the reason,
 // leaves the old file untouched and returns 0.
-int saveSong(Song&, std::u16string_view path, SampleLocator&);
+enum class Backup { Keep, None };
+int saveSong(Song&, std::u16string_view path, SampleLocator&, Backup = Backup::Keep);
 
 } // namespace pulsara

@@ -145,6 +145,9 @@ bool loadKit(Song& song, const std::string& folder)
 bool save(Song& song, const std::string& path)
 {
     BesideTheSong locator;
+    // A fresh file each build: no earlier one is kept as a backup beside it.
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
     return saveSong(song, fromUtf8(path), locator) == 1;
 }
 

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QDialog>
+
+#include <functional>
+
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QSlider;
+
+namespace pulsara {
+
+struct AppSettings;
+
+// Tools > Settings: the output format (rate and stereo), the latency, sharing the audio device
+// and smooth resampling. The latency applies as soon as the slider is let go; the rest when the
+// dialog closes, whichever button closes it.
+class SettingsDialog final : public QDialog {
+public:
+    // The rates offered, in the order of the list.
+    static constexpr uint32_t kRates[] = { 11025, 22050, 44100, 48000 };
+
+    SettingsDialog(const AppSettings&, QWidget* owner);
+
+    // Called with each latency the user settles on, in milliseconds.
+    std::function<void(int milliseconds)> onLatency;
+    // The settings as the dialog leaves them: an unlisted rate stays as it was.
+    void applyTo(AppSettings&) const;
+
+    QComboBox& format() { return *format_; }
+    QCheckBox& stereo() { return *stereo_; }
+    QSlider& latency() { return *latency_; }
+    QLabel& latencyLabel() { return *latencyLabel_; }
+    QCheckBox& shareDevice() { return *shareDevice_; }
+    QCheckBox& smoothResampling() { return *smoothResampling_; }
+
+private:
+    void latencySettled();
+
+    QComboBox* format_;
+    QCheckBox* stereo_;
+    QSlider* latency_;
+    QLabel* latencyLabel_;
+    QCheckBox* shareDevice_;
+    QCheckBox* smoothResampling_;
+};
+
+} // namespace pulsara

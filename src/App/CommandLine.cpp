@@ -9,6 +9,7 @@
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
 #include "Sound/WavExporter.h"
+#include "base/Path.h"
 #include "base/text.h"
 
 #include <cstdio>
@@ -64,6 +65,12 @@ int runExport(const CommandLineOptions& options)
     return withLoadedSong(options, [&](Song& song, ConsolePresenter& presenter) {
         std::u16string output = absolutePath(options.outputPath);
         presenter.setCurrentFile(output);
+        // An export never takes the place of the song it renders.
+        std::error_code error;
+        if (std::filesystem::equivalent(nativePath(output), nativePath(absolutePath(options.songPath)), error)) {
+            reportError(&errorContext(), kRecoverable, "Sound/fileOut", 15, u"can't write file \"" + output + u"\"");
+            return kExitError;
+        }
         WavExporter::Progress progress;
         if (isatty(STDERR_FILENO)) {
             progress = [](uint64_t done, uint64_t total) {

@@ -9,7 +9,8 @@ namespace pulsara {
 
 InputFile::InputFile(const std::string& nativeName)
 {
-    fd_ = ::open(nativeName.c_str(), O_RDONLY | O_CLOEXEC);
+    // Not blocking on the open keeps a named pipe from hanging the reader; it is refused below.
+    fd_ = ::open(nativeName.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd_ < 0)
         return;
     struct stat info {};

@@ -10,7 +10,9 @@
 #include <memory>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace pulsara {
 
@@ -75,7 +77,13 @@ uint32_t WavExporter::blockFrames(uint32_t sampleRate)
 
 int WavExporter::exportTo(SoundSource& source, std::u16string_view path, const Progress& progress)
 {
-    File file(std::fopen(nativePath(path).c_str(), "wb"));
+    // Not blocking on the open: a named pipe nobody reads is refused rather than waited for.
+    int fd = ::open(nativePath(path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (fd >= 0)
+        ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    File file(fd >= 0 ? ::fdopen(fd, "wb") : nullptr);
+    if (!file && fd >= 0)
+        ::close(fd);
     if (!file) {
         reportError(&errorContext(), kRecoverable, kSource, kCreateLine, u"can't create file");
         return 0;

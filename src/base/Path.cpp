@@ -13,7 +13,8 @@ std::string nativePath(std::u16string_view path)
 
 bool fileExists(std::u16string_view path)
 {
-    int fd = ::open(nativePath(path).c_str(), O_RDONLY | O_CLOEXEC);
+    // A named pipe would block the open until someone writes to it.
+    int fd = ::open(nativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0)
         return false;
     struct stat info {};

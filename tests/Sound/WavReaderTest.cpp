@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <sys/stat.h>
+
 #include <string>
 #include <vector>
 
@@ -164,7 +167,10 @@ TEST_F(WavReaderTest, NamesTheSampleAfterItsFileAndForgetsItWhenTheNextCannotBeO
     std::u16string named = folder.write("kick.hard.wav", makeWav(1, 44100, 8, pcm8({ 1 })));
     ASSERT_EQ(sample.load(named), 0);
     EXPECT_EQ(sample.displayName(), u"kick");
-    for (const std::u16string& path : { folder.file("missing.wav"), folder.path().u16string() }) {
+    // A named pipe is refused at once rather than waited on.
+    const std::u16string pipe = folder.file("pipe.wav");
+    ASSERT_EQ(::mkfifo(std::filesystem::path(pipe).c_str(), 0600), 0);
+    for (const std::u16string& path : { folder.file("missing.wav"), folder.path().u16string(), pipe }) {
         reports.clear();
         EXPECT_EQ(sample.load(path), 0);
         expectRefused("Sound/file", 125, u"can't open wave file");

@@ -169,11 +169,15 @@ TEST_F(CommandLine, BadFilesGiveTheirMessageAndStatus)
              { "corrupt.kqu", at("out.wav"), 255,
                  "pulsara: FATAL ERROR: The song file is corrupted (" + at("corrupt.kqu") + ")\n" },
              { "song.kqu", at("no/such/folder/out.wav"), 1, "pulsara: error: can't create file (" + at("no/such/folder/out.wav") + ")\n" },
+             // A full disk, and the song itself as the output: nothing is replaced.
+             { "song.kqu", "/dev/full", 1, "pulsara: error: can't write file \"/dev/full\"\n" },
+             { "song.kqu", at("song.kqu"), 1, "pulsara: error: can't write file \"" + at("song.kqu") + "\"\n" },
          }) {
         RunResult result = run("--export " + quote(c.output) + " " + quote(at(c.song)));
         EXPECT_EQ(result.status, c.status) << c.song;
         EXPECT_EQ(result.err, c.message) << c.song;
     }
+    EXPECT_EQ(folder.read("song.kqu"), good);
     // A broken sample is reported with its file, and the export is still written.
     folder.write("smp/saw.wav", { 'R', 'I', 'F', 'X' });
     RunResult result = run("--export " + quote(at("broken.wav")) + " " + quote(song));

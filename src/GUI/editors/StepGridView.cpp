@@ -240,6 +240,9 @@ int StepGridView::paint(DeviceContext* dc, uint32_t mode)
 template<typename Draw>
 void StepGridView::drawNow(const ElemRect& area, Draw draw)
 {
+    // A page that is not shown keeps its state; it is drawn whole when it comes back.
+    if (!isShown())
+        return;
     RootElement* root = window();
     DeviceContext* dc = root ? root->acquireContext() : nullptr;
     if (!dc) {
@@ -308,7 +311,8 @@ void StepGridView::scroll(int32_t dx, int32_t dy)
         return;
     RootElement* root = window();
     const bool overlaid = root && root->overlay() && !(QRect(rect_.toQRect()) & root->overlay()->rect()->toQRect()).isEmpty();
-    if (std::abs(dx) >= visibleColumns_ || std::abs(dy) >= visibleRows_ - 1 || overlaid || !root || root->backBuffer().isEmpty()) {
+    if (std::abs(dx) >= visibleColumns_ || std::abs(dy) >= visibleRows_ - 1 || overlaid || !root || root->backBuffer().isEmpty()
+        || !isShown()) {
         firstColumn_ = column;
         firstRow_ = row;
         updateScrollBar();

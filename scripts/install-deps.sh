@@ -13,6 +13,7 @@ packages=(
     pulseaudio pulseaudio-utils
     sox
     xvfb xdotool imagemagick python3
+    desktop-file-utils shared-mime-info
 )
 
 missing=()

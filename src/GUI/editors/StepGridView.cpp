@@ -183,30 +183,30 @@ void StepGridView::drawCursor(DeviceContext* dc)
     frame.drawInRect(cellRect(cursorColumn_, cursorRow_));
 }
 
+void StepGridView::drawCells(DeviceContext* dc, int32_t fromScreenColumn, int32_t columnCount, int32_t fromScreenRow, int32_t rowCount)
+{
+    const int32_t lastColumn = std::min({ fromScreenColumn + columnCount, visibleColumns_, columns() - firstColumn_ });
+    const int32_t lastRow = std::min({ fromScreenRow + rowCount, visibleRows_, rows() - firstRow_ });
+    for (int32_t r = std::max(0, fromScreenRow); r < lastRow; ++r) {
+        for (int32_t c = std::max(0, fromScreenColumn); c < lastColumn; ++c)
+            drawCell(dc, firstColumn_ + c, firstRow_ + r);
+    }
+}
+
 void StepGridView::drawColumns(DeviceContext* dc, int32_t fromScreenColumn, int32_t count)
 {
-    const int32_t shownRows = std::min(visibleRows_, rows() - firstRow_);
-    for (int32_t c = fromScreenColumn; c < fromScreenColumn + count; ++c) {
-        int32_t column = firstColumn_ + c;
-        if (c < 0 || c >= visibleColumns_ || column >= columns())
-            continue;
-        drawRulerCell(dc, column);
-        for (int32_t r = 0; r < shownRows; ++r)
-            drawCell(dc, column, firstRow_ + r);
-    }
+    const int32_t lastColumn = std::min({ fromScreenColumn + count, visibleColumns_, columns() - firstColumn_ });
+    for (int32_t c = std::max(0, fromScreenColumn); c < lastColumn; ++c)
+        drawRulerCell(dc, firstColumn_ + c);
+    drawCells(dc, fromScreenColumn, count, 0, visibleRows_);
 }
 
 void StepGridView::drawRows(DeviceContext* dc, int32_t fromScreenRow, int32_t count)
 {
-    const int32_t shownColumns = std::min(visibleColumns_, columns() - firstColumn_);
-    for (int32_t r = fromScreenRow; r < fromScreenRow + count; ++r) {
-        int32_t row = firstRow_ + r;
-        if (r < 0 || r >= visibleRows_ || row >= rows())
-            continue;
-        drawLabel(dc, row);
-        for (int32_t c = 0; c < shownColumns; ++c)
-            drawCell(dc, firstColumn_ + c, row);
-    }
+    const int32_t lastRow = std::min({ fromScreenRow + count, visibleRows_, rows() - firstRow_ });
+    for (int32_t r = std::max(0, fromScreenRow); r < lastRow; ++r)
+        drawLabel(dc, firstRow_ + r);
+    drawCells(dc, 0, visibleColumns_, fromScreenRow, count);
 }
 
 void StepGridView::drawMargins(DeviceContext* dc)
@@ -230,8 +230,25 @@ int StepGridView::paint(DeviceContext* dc, uint32_t mode)
     if (drawAll && !rect_.isEmpty()) {
         dc->setFont(font_);
         drawMargins(dc);
-        drawColumns(dc, 0, visibleColumns_);
-        drawRows(dc, 0, visibleRows_);
+        // Only the columns and rows the paint reaches: a small update draws a few cells.
+        QRect area = rect_.toQRect();
+        if (dc->hasClipping())
+            area &= dc->clipBoundingRect().toAlignedRect();
+        const int32_t cellsLeft = rect_.x + labelWidth_;
+        const int32_t fromColumn = std::max(0, (area.left() - cellsLeft) / cellWidth_);
+        const int32_t toColumn = (area.right() - cellsLeft) / cellWidth_ + 1;
+        const int32_t fromRow = std::max(0, (area.top() - rect_.y) / cellHeight_ - 1);
+        const int32_t toRow = (area.bottom() - rect_.y) / cellHeight_;
+        if (area.top() < rect_.y + cellHeight_ && area.right() >= cellsLeft) {
+            for (int32_t c = fromColumn; c < std::min({ toColumn, visibleColumns_, columns() - firstColumn_ }); ++c)
+                drawRulerCell(dc, firstColumn_ + c);
+        }
+        if (area.left() < cellsLeft) {
+            for (int32_t r = fromRow; r < std::min({ toRow, visibleRows_, rows() - firstRow_ }); ++r)
+                drawLabel(dc, firstRow_ + r);
+        }
+        if (area.right() >= cellsLeft)
+            drawCells(dc, fromColumn, toColumn - fromColumn, fromRow, toRow - fromRow);
         drawCursor(dc);
     }
     return paintChildren(dc, drawAll ? kPaintAll : mode);

@@ -170,6 +170,7 @@ private:
     void drawRulerCell(DeviceContext*, int32_t column);
     void drawLabel(DeviceContext*, int32_t row);
     void drawCursor(DeviceContext*);
+    void drawCells(DeviceContext*, int32_t fromScreenColumn, int32_t columnCount, int32_t fromScreenRow, int32_t rowCount);
     void drawColumns(DeviceContext*, int32_t fromScreenColumn, int32_t count);
     void drawRows(DeviceContext*, int32_t fromScreenRow, int32_t count);
     void drawMargins(DeviceContext*);

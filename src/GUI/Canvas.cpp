@@ -151,7 +151,22 @@ void Canvas::invalidate(const ElemRect& rect)
 {
     QRect area = rect.toQRect();
     presented_ -= QRegion(area);
+    invalidated_ += QRegion(area);
     update(area);
+}
+
+void Canvas::scrollContent(const ElemRect& rect, int32_t dx, int32_t dy)
+{
+    QRect area = rect.toQRect();
+    // Pixels the window has not taken yet would move with the rest: take the whole area then.
+    if ((presented_ | invalidated_).intersects(area)) {
+        present(QRegion(area));
+        return;
+    }
+    QWidget::scroll(dx, dy, area);
+    // Where the window system cannot move its pixels it paints the area again: the back buffer
+    // holds all of it already.
+    presented_ += QRegion(area);
 }
 
 void Canvas::present(const QRegion& region)
@@ -164,6 +179,7 @@ void Canvas::paintEvent(QPaintEvent* event)
 {
     updateRegion_ = event->region() - presented_;
     presented_ -= event->region();
+    invalidated_ -= event->region();
     if (!updateRegion_.isEmpty())
         send(kMessagePaint);
     updateRegion_ = QRegion();
@@ -176,6 +192,7 @@ void Canvas::paintEvent(QPaintEvent* event)
 
 void Canvas::resizeEvent(QResizeEvent*)
 {
+    presented_ = QRegion();
     if (created_)
         send(kMessageSize, 0, packPosition(width(), height()));
 }

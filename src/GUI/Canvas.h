@@ -35,6 +35,7 @@ public:
     QRegion updateRegion() const override { return updateRegion_; }
     void invalidate(const ElemRect&) override;
     void present(const QRegion&) override;
+    void scrollContent(const ElemRect&, int32_t dx, int32_t dy) override;
     void captureStylus() override { hasCapture_ = true; }
     void releaseStylus() override { hasCapture_ = false; }
     bool hasStylusCapture() const override { return hasCapture_; }
@@ -68,6 +69,8 @@ private:
     // Parts of the window whose back-buffer pixels are already fresh: shown without a paint
     // message.
     QRegion presented_;
+    // Parts asked to be painted again that no paint event has covered yet.
+    QRegion invalidated_;
     QRegion updateRegion_;
     bool created_ = false;
     bool destroyed_ = false;

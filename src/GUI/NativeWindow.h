@@ -35,6 +35,10 @@ public:
     virtual void invalidate(const ElemRect&) = 0;
     // The back buffer already holds fresh pixels there: show them, without a paint message.
     virtual void present(const QRegion&) = 0;
+    // The back buffer's pixels in the area have moved by (dx, dy), as scrolling moves them: the
+    // window moves its own copy the same way, rather than taking all of them again. What comes
+    // into view is presented separately.
+    virtual void scrollContent(const ElemRect& area, int32_t dx, int32_t dy) = 0;
 
     virtual void captureStylus() = 0;
     virtual void releaseStylus() = 0;

@@ -1,5 +1,6 @@
 #include "GUI/editors/StepGridView.h"
 
+#include "GUI/NativeWindow.h"
 #include "GUI/PixelScroll.h"
 #include "GUI/RectPainter.h"
 #include "GUI/RootElement.h"
@@ -337,26 +338,48 @@ void StepGridView::scroll(int32_t dx, int32_t dy)
         return;
     }
     const int32_t shownColumns = std::min(visibleColumns_, columns() - firstColumn_);
-    const ElemRect area { rect_.x, rect_.y, labelWidth_ + visibleColumns_ * cellWidth_, (visibleRows_ + 1) * cellHeight_ };
-    drawNow(area, [&](DeviceContext* dc) {
-        // The cursor's frame must not travel with the pixels.
-        if (isCellVisible(cursorColumn_, cursorRow_))
-            drawCell(dc, cursorColumn_, cursorRow_);
-        auto* image = static_cast<QImage*>(dc->device());
-        if (dx != 0) {
-            QRect columnsArea(rect_.x + labelWidth_, rect_.y, shownColumns * cellWidth_, (visibleRows_ + 1) * cellHeight_);
-            scrollPixels(*image, columnsArea, -dx * cellWidth_, 0);
-            firstColumn_ = column;
-            drawColumns(dc, dx > 0 ? shownColumns - dx : 0, std::abs(dx));
-        }
-        if (dy != 0) {
-            QRect rowsArea(rect_.x, rect_.y + cellHeight_, labelWidth_ + shownColumns * cellWidth_, visibleRows_ * cellHeight_);
-            scrollPixels(*image, rowsArea, 0, -dy * cellHeight_);
-            firstRow_ = row;
-            drawRows(dc, dy > 0 ? visibleRows_ - dy : 0, std::abs(dy));
-        }
-        drawCursor(dc);
-    });
+    DeviceContext* dc = root->acquireContext();
+    if (!dc)
+        return;
+    dc->setClipRect(rect_.toQRect());
+    dc->setFont(font_);
+    // The cursor's frame must not travel with the pixels.
+    const bool cursorShown = isCellVisible(cursorColumn_, cursorRow_);
+    ElemRect oldCursor = cellRect(cursorColumn_, cursorRow_);
+    if (cursorShown)
+        drawCell(dc, cursorColumn_, cursorRow_);
+    auto* image = static_cast<QImage*>(dc->device());
+    NativeWindow* native = root->windowHandle();
+    QRegion exposed;
+    if (dx != 0) {
+        QRect columnsArea(rect_.x + labelWidth_, rect_.y, shownColumns * cellWidth_, (visibleRows_ + 1) * cellHeight_);
+        scrollPixels(*image, columnsArea, -dx * cellWidth_, 0);
+        firstColumn_ = column;
+        const int32_t from = dx > 0 ? shownColumns - dx : 0;
+        drawColumns(dc, from, std::abs(dx));
+        exposed += QRect(columnsArea.x() + from * cellWidth_, columnsArea.y(), std::abs(dx) * cellWidth_, columnsArea.height());
+        if (native)
+            native->scrollContent({ columnsArea.x(), columnsArea.y(), columnsArea.width(), columnsArea.height() }, -dx * cellWidth_, 0);
+        oldCursor.x -= dx * cellWidth_;
+    }
+    if (dy != 0) {
+        QRect rowsArea(rect_.x, rect_.y + cellHeight_, labelWidth_ + shownColumns * cellWidth_, visibleRows_ * cellHeight_);
+        scrollPixels(*image, rowsArea, 0, -dy * cellHeight_);
+        firstRow_ = row;
+        const int32_t from = dy > 0 ? visibleRows_ - dy : 0;
+        drawRows(dc, from, std::abs(dy));
+        exposed += QRect(rowsArea.x(), rowsArea.y() + from * cellHeight_, rowsArea.width(), std::abs(dy) * cellHeight_);
+        if (native)
+            native->scrollContent({ rowsArea.x(), rowsArea.y(), rowsArea.width(), rowsArea.height() }, 0, -dy * cellHeight_);
+        oldCursor.y -= dy * cellHeight_;
+    }
+    drawCursor(dc);
+    // The window moved its pixels as the back buffer did; it takes only what changed besides.
+    if (cursorShown)
+        exposed += oldCursor.toQRect();
+    if (isCellVisible(cursorColumn_, cursorRow_))
+        exposed += cellRect(cursorColumn_, cursorRow_).toQRect();
+    root->releaseContext(dc, exposed & QRegion(rect_.toQRect()));
     updateScrollBar();
 }
 

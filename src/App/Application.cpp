@@ -8,6 +8,7 @@
 #include "GUI/NativeWindow.h"
 #include "GUI/Prompts.h"
 #include "GUI/Skin.h"
+#include "GUI/UiFont.h"
 #include "GUI/WindowMessage.h"
 #include "base/Path.h"
 #include "base/text.h"
@@ -28,14 +29,6 @@ constexpr int32_t kGap = 6;
 constexpr int32_t kValueTipWidth = 96;
 constexpr int32_t kDisplayInset = 4;
 constexpr uint32_t kAllScopes = 0xFFFFFFFF;
-
-QFont shellFont(int pixels, bool bold)
-{
-    QFont font(QStringLiteral("Liberation Sans"));
-    font.setPixelSize(pixels);
-    font.setBold(bold);
-    return font;
-}
 
 std::u16string number(int64_t value)
 {
@@ -80,7 +73,7 @@ void Application::initialise(int latencyMs)
 void Application::initialise(const AppSettings& settings)
 {
     settings_ = settings;
-    const QFont displayFont = shellFont(15, true);
+    const QFont displayFont = uiFont(15, QFont::Bold);
     const QColor displayColour(0x2e, 0xc4, 0xb6);
     counterDisplay_.setFrame(&skin_.panelD);
     counterDisplay_.setFont(displayFont);
@@ -94,7 +87,7 @@ void Application::initialise(const AppSettings& settings)
     for (int32_t page = 0; page < 2; ++page) {
         TextButton& button = pageButton(page);
         button.setSkin(&skin_.panelBckD, &skin_.panelD);
-        button.setFont(shellFont(13, true));
+        button.setFont(uiFont(13, QFont::Bold));
         button.onClick = [this, page] { showPage(page); };
     }
     pageButton0_.setPressed(true);
@@ -125,7 +118,7 @@ void Application::initialise(const AppSettings& settings)
     }
 
     valueTip_.setFrame(&skin_.panelD);
-    valueTipText_.setFont(shellFont(13, true));
+    valueTipText_.setFont(uiFont(13, QFont::Bold));
     valueTipText_.setColor(displayColour);
     valueTip_.addChild(&valueTipText_);
     valueTip_.setVisible(false);

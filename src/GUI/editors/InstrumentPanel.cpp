@@ -4,6 +4,7 @@
 #include "GUI/Prompts.h"
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "GUI/editors/EditorHost.h"
 #include "GUI/editors/SongEdits.h"
 #include "Sound/Song.h"
@@ -29,11 +30,8 @@ InstrumentPanel::InstrumentPanel(Skin& skin, SongEdits& edits, EditorHost& host)
     , edits_(edits)
     , host_(host)
 {
-    headingFont_.setFamily(QStringLiteral("Liberation Sans"));
-    headingFont_.setPixelSize(12);
-    headingFont_.setWeight(QFont::DemiBold);
-    textFont_ = headingFont_;
-    textFont_.setWeight(QFont::Normal);
+    headingFont_ = uiFont(12, QFont::DemiBold);
+    textFont_ = uiFont(12);
     dialogPath_.filter = kWaveFilter;
     for (TextButton* button : { &openButton_, &clearButton_ }) {
         button->setSkin(&skin.panelBckD, &skin.panelD);

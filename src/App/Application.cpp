@@ -2,6 +2,7 @@
 
 #include "App/AboutBox.h"
 #include "App/DataFolders.h"
+#include "App/DroppedFiles.h"
 #include "App/ExportProgress.h"
 #include "App/HelpLauncher.h"
 #include "App/SettingsDialog.h"
@@ -452,6 +453,43 @@ void Application::setPlaying(bool on)
     playButton_.setPressed(transport_.isPlaying());
 }
 
+void Application::dropFiles(const std::vector<std::u16string>& paths, int32_t x, int32_t y)
+{
+    DroppedFiles dropped = DroppedFiles::sort(paths);
+    if (!dropped.refused.empty()) {
+        prompts().ask(dropped.refusal(), u"Pulsara", PromptButtons::Ok);
+        return;
+    }
+    if (!dropped.songs.empty()) {
+        if (document_.askSaveChanges(u"Open Song"))
+            return;
+        document_.setDirty(false);
+        loadSongFile(dropped.songs.front());
+        return;
+    }
+    PatternEditor& grid = mainEditor_.patternPage().editor();
+    if (dropped.samples.empty() || mainEditor_.page() != 0 || !grid.rect()->contains(x, y))
+        return;
+    // On a label: that row's instrument. On the cells: the chosen row's, then the empty ones.
+    const int32_t labelRow = grid.labelRowAt(x, y);
+    const int32_t firstRow = labelRow >= 0 ? labelRow : std::max(0, grid.selectedRow());
+    std::vector<uint32_t> targets;
+    for (int32_t row = firstRow; row < grid.rows() && targets.size() < dropped.samples.size(); ++row) {
+        const uint32_t slot = grid.trackOfRow(row);
+        if (row == firstRow || !song_.instrument(slot).sample().isLoaded())
+            targets.push_back(slot);
+        if (labelRow >= 0)
+            break;
+    }
+    loadSampleSafely([&] {
+        edits_.beginGesture(targets.size() > 1 ? u"Open samples" : u"Open sample");
+        for (size_t index = 0; index < targets.size(); ++index)
+            edits_.loadSample(targets[index], dropped.samples[index]);
+        edits_.endGesture();
+    });
+    mainEditor_.refresh(kScopeInstruments);
+}
+
 void Application::moveToSongPosition(int32_t position)
 {
     transport_.moveToSongPosition(position);
@@ -620,6 +658,10 @@ intptr_t Application::handleMessage(uint32_t message, uintptr_t wParam, intptr_t
         return 0;
     case kMessageClose:
         document_.exitApp();
+        return 0;
+    case kMessageDropFiles:
+        if (wParam)
+            dropFiles(*reinterpret_cast<const std::vector<std::u16string>*>(wParam), positionX(lParam), positionY(lParam));
         return 0;
     case kMessageUser:
         // Another start of the program opens a song: this one closes, unless the user keeps it.

@@ -101,6 +101,11 @@ public:
     void showPage(int32_t page);
     // Starts or stops playing, as the play button does.
     void setPlaying(bool);
+    // Files dropped on the window at (x, y): a song opens (after the save-changes question);
+    // WAV files go into the instrument of the row label they are dropped on, or, dropped on the
+    // grid, into the chosen instrument and the next empty ones, as one undo step; anything else
+    // is refused with a message and changes nothing.
+    void dropFiles(const std::vector<std::u16string>&, int32_t x, int32_t y);
 
     uint32_t documentFlags() const { return document_.flags(); }
     bool isLiveact() const { return liveact_; }

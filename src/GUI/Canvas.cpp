@@ -6,16 +6,20 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QUrl>
 #include <QWheelEvent>
 
 #include <utility>
+#include <vector>
 
 namespace pulsara {
 
@@ -53,6 +57,7 @@ Canvas::Canvas(RootElement& root, QMainWindow* frame) : root_(root), frame_(fram
     setAttribute(Qt::WA_NoSystemBackground);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    setAcceptDrops(true);
     if (frame_)
         frame_->installEventFilter(this);
     else
@@ -238,6 +243,26 @@ void Canvas::wheelEvent(QWheelEvent* event)
     if (event->modifiers() & Qt::ControlModifier)
         keys |= kWheelControl;
     send(kMessageMouseWheel, packWheel(delta, keys), packPosition(at.x(), at.y()));
+}
+
+void Canvas::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void Canvas::dropEvent(QDropEvent* event)
+{
+    std::vector<std::u16string> files;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile())
+            files.push_back(url.toLocalFile().toStdU16String());
+    }
+    if (files.empty())
+        return;
+    event->acceptProposedAction();
+    QPoint at = event->position().toPoint();
+    send(kMessageDropFiles, reinterpret_cast<uintptr_t>(&files), packPosition(at.x(), at.y()));
 }
 
 void Canvas::keyPressEvent(QKeyEvent* event)

@@ -13,6 +13,7 @@ packages=(
     pulseaudio pulseaudio-utils
     sox
     xvfb xdotool imagemagick python3
+    dpkg-dev
     desktop-file-utils shared-mime-info
 )
 

@@ -63,6 +63,7 @@ AppSettings loadSettings(QSettings& settings, const SettingsDefaults& defaults)
     loaded.skinName = readText(settings, "Skin", AppSettings::kMaxSkinNameLength).value_or(u"Default");
     if (loaded.skinName.empty())
         loaded.skinName = u"Default";
+    loaded.device = readText(settings, "Device", AppSettings::kMaxPathLength).value_or(u"");
     for (const QString& path : settings.value(QStringLiteral("RecentSongs")).toStringList()) {
         if (loaded.recentSongs.size() < AppSettings::kRecentSongs && !path.isEmpty())
             loaded.recentSongs.push_back(path.toStdU16String());
@@ -83,6 +84,7 @@ bool saveSettings(QSettings& settings, const AppSettings& values)
     settings.setValue(QStringLiteral("LastSmp"), toQString(values.lastSample));
     settings.setValue(QStringLiteral("SamplesDir"), toQString(values.samplesDir));
     settings.setValue(QStringLiteral("Skin"), toQString(values.skinName));
+    settings.setValue(QStringLiteral("Device"), toQString(values.device));
     QStringList recent;
     for (const std::u16string& path : values.recentSongs)
         recent << toQString(path);

@@ -32,6 +32,8 @@ struct AppSettings {
     std::u16string lastSample;
     std::u16string samplesDir;
     std::u16string skinName = u"Default";
+    // Not among the program's first settings: the sound output by name, empty for the default.
+    std::u16string device;
     // Not among the program's first settings: File > Open Recent, newest first.
     std::vector<std::u16string> recentSongs;
 };

@@ -46,6 +46,7 @@ std::u16string twoDigits(uint32_t value)
 
 Application::Application(Skin& skin, WaveDevice& device)
     : skin_(skin)
+    , device_(device)
     , song_(AudioFormat { 44100, 32, 1 })
     , edits_(song_)
     , transport_(device, song_)
@@ -150,6 +151,7 @@ void Application::initialise(const AppSettings& settings)
     document_.setFlags((document_.flags() & ~SongDocument::kReleaseDeviceFlag) | release);
     transport_.setDrainsInBackground(true);
     transport_.setDocumentFlags(document_.flags());
+    device_.chooseOutput(toUtf8(settings.device));
     transport_.open(settings.bufferLength);
     transport_.setMeterListener(this);
     document_.setFolders(samplesFolder(), templatesFolder(), settings.samplesDir.empty() ? samplesFolder() : settings.samplesDir);
@@ -186,7 +188,7 @@ void Application::openFirstSong()
 void Application::runSettingsDialog()
 {
     AppSettings settings = currentSettings();
-    SettingsDialog dialog(settings, QApplication::activeWindow());
+    SettingsDialog dialog(settings, device_.outputNames(), QApplication::activeWindow());
     // The latency takes effect as soon as it is chosen; the stream restarts with it if running.
     dialog.onLatency = [this](int milliseconds) { transport_.setLatency(milliseconds); };
     dialog.exec();
@@ -196,6 +198,15 @@ void Application::runSettingsDialog()
     document_.setFlags((document_.flags() & ~SongDocument::kReleaseDeviceFlag) | release);
     transport_.setDocumentFlags(document_.flags());
     const AudioFormat format { settings.sampleRate, 32, settings.channels };
+    if (settings.device != settings_.device) {
+        settings_.device = settings.device;
+        device_.chooseOutput(toUtf8(settings.device));
+        // A running stream moves to the new output.
+        if (transport_.isRunning()) {
+            transport_.WaveOutStream::stop();
+            transport_.start();
+        }
+    }
     if (format.sampleRate != song_.format().sampleRate || format.channels != song_.format().channels)
         transport_.changeFormat(format);
 }
@@ -546,6 +557,9 @@ void Application::followPlayback()
         drainingSince_ = 0;
     }
     song_.reclaimSamples();
+    if (device_.takeFallbackNotice())
+        prompts().ask(u"The sound device \"" + settings_.device + u"\" is not there; Pulsara plays on the system's default device.",
+            u"Pulsara", PromptButtons::Ok);
     for (LiveRow& row : livePanels_)
         row.tick(now);
 }

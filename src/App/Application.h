@@ -205,6 +205,7 @@ private:
     void checkMenuItem(uint32_t command, bool checked);
 
     Skin& skin_;
+    WaveDevice& device_;
     Song song_;
     SongEdits edits_;
     Transport transport_;

@@ -25,9 +25,10 @@ QString milliseconds(int value)
 
 } // namespace
 
-SettingsDialog::SettingsDialog(const AppSettings& settings, QWidget* owner)
+SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<std::string>& outputs, QWidget* owner)
     : QDialog(owner)
     , format_(new QComboBox(this))
+    , device_(new QComboBox(this))
     , stereo_(new QCheckBox(QStringLiteral("Stereo"), this))
     , latency_(new QSlider(Qt::Horizontal, this))
     , latencyLabel_(new QLabel(this))
@@ -40,6 +41,15 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, QWidget* owner)
     // A rate the list does not offer selects nothing.
     format_->setCurrentIndex(rate == std::end(kRates) ? -1 : int(rate - std::begin(kRates)));
     stereo_->setChecked(settings.channels != 1);
+    // The system's default first, then every output by its name; a chosen one that is not
+    // there now stays listed, so that choosing nothing keeps it.
+    device_->addItem(QStringLiteral("Default"), QString());
+    for (const std::string& name : outputs)
+        device_->addItem(QString::fromStdString(name), QString::fromStdString(name));
+    const QString chosen = QString::fromStdU16String(settings.device);
+    if (!chosen.isEmpty() && device_->findData(chosen) < 0)
+        device_->addItem(chosen, chosen);
+    device_->setCurrentIndex(std::max(0, device_->findData(chosen)));
     shareDevice_->setChecked(settings.releaseWaveOut);
     smoothResampling_->setChecked(settings.interpolation != 0);
     latency_->setRange(AppSettings::kMinLatencyMs, AppSettings::kMaxLatencyMs);
@@ -64,13 +74,15 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, QWidget* owner)
     layout->addWidget(new QLabel(QStringLiteral("Format:"), this), 0, 0);
     layout->addWidget(format_, 0, 1);
     layout->addWidget(stereo_, 0, 2);
+    layout->addWidget(new QLabel(QStringLiteral("Device:"), this), 5, 0);
+    layout->addWidget(device_, 5, 1, 1, 2);
     layout->addWidget(new QLabel(QStringLiteral("Latency:"), this), 1, 0);
     layout->addWidget(latencyLabel_, 1, 1);
     layout->addWidget(latency_, 1, 2);
     layout->addWidget(new QLabel(QStringLiteral("Options:"), this), 2, 0);
     layout->addWidget(shareDevice_, 2, 1, 1, 2);
     layout->addWidget(smoothResampling_, 3, 1, 1, 2);
-    layout->addWidget(buttons, 4, 0, 1, 3);
+    layout->addWidget(buttons, 6, 0, 1, 3);
 }
 
 void SettingsDialog::latencySettled()
@@ -88,6 +100,7 @@ void SettingsDialog::applyTo(AppSettings& settings) const
     settings.releaseWaveOut = shareDevice_->isChecked();
     settings.interpolation = smoothResampling_->isChecked() ? 1 : 0;
     settings.bufferLength = latency_->value();
+    settings.device = device_->currentData().toString().toStdU16String();
 }
 
 } // namespace pulsara

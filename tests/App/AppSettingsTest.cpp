@@ -96,13 +96,18 @@ TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
     AppSettings settings;
     settings.sampleRate = 32000;
     settings.bufferLength = 120;
-    SettingsDialog dialog(settings, nullptr);
+    settings.device = u"USB headset";
+    SettingsDialog dialog(settings, { "Built-in", "HDMI" }, nullptr);
     EXPECT_EQ(dialog.format().count(), 4);
     EXPECT_EQ(dialog.format().itemText(3), QStringLiteral("48,000 Hz"));
     EXPECT_EQ(dialog.format().currentIndex(), -1) << "32,000 Hz is not in the list";
     EXPECT_EQ(dialog.latencyLabel().text(), QStringLiteral("120 ms"));
     EXPECT_EQ(dialog.latency().minimum(), 30);
     EXPECT_EQ(dialog.latency().maximum(), 600);
+    // The default first, then the outputs, and a chosen one that is not there now, chosen still.
+    ASSERT_EQ(dialog.device().count(), 4);
+    EXPECT_EQ(dialog.device().itemText(0), QStringLiteral("Default"));
+    EXPECT_EQ(dialog.device().currentText(), QStringLiteral("USB headset"));
 
     std::vector<int> applied;
     dialog.onLatency = [&](int milliseconds) { applied.push_back(milliseconds); };
@@ -122,7 +127,10 @@ TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
     EXPECT_EQ(settings.channels, 2);
     EXPECT_EQ(settings.interpolation, 1u);
     EXPECT_FALSE(settings.releaseWaveOut);
+    EXPECT_EQ(settings.device, u"USB headset");
     dialog.format().setCurrentIndex(3);
+    dialog.device().setCurrentIndex(0);
     dialog.applyTo(settings);
     EXPECT_EQ(settings.sampleRate, 48000u);
+    EXPECT_EQ(settings.device, u"") << "the default is no name";
 }

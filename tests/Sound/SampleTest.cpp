@@ -21,7 +21,7 @@ void fillRamp(Sample& sample, uint32_t frames, uint32_t channels)
 
 } // namespace
 
-TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
+TEST(Sample, MixesOrRendersFromItsPositionAtItsRateAndStopsAtTheEnd)
 {
     using enum Interpolation;
     const struct {
@@ -37,6 +37,7 @@ TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
         std::vector<float> out; // mixed onto 0.5 in every float
         double endPosition;
         bool stillPlaying;
+        bool render = false; // clears the block before it mixes
     } cases[] = {
         { "a copy from the start", 1, 1.0f, 0.0, 1.0f, None, true, 1, -1, { 1.5f, 2.5f, 3.5f, 4.5f }, 4.0, true },
         { "a copy up to the end", 1, 1.0f, 6.0, 1.0f, None, true, 1, -1, { 7.5f, 8.5f, 9.5f, 10.5f, 0.5f, 0.5f }, 10.0,
@@ -55,6 +56,8 @@ TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
         { "a silent resampling", 1, 1.5f, 0.0, 0.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 6.0, true },
         { "a copy into stereo", 1, 1.0f, 0.0, 1.0f, None, true, 2, -1, std::vector<float>(8, 0.5f), 0.0, false },
         { "a resampling into stereo", 1, 0.5f, 0.0, 1.0f, None, true, 2, -1, std::vector<float>(8, 0.5f), 0.0, false },
+        { "a render", 1, 1.0f, 0.0, 1.0f, None, true, 1, -1, { 1, 2, 3, 4 }, 4.0, true, true },
+        { "a render of a stopped sample", 1, 1.0f, 0.0, 1.0f, None, false, 1, 0, { 0, 0, 0, 0 }, 0.0, false, true },
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.what);
@@ -66,24 +69,13 @@ TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
         sample.setInterpolation(test.method);
         sample.setPlaying(test.playing);
         std::vector<float> out(test.out.size(), 0.5f);
-        EXPECT_EQ(sample.mix(out.data(), static_cast<uint32_t>(out.size()) / test.outChannels, test.outChannels),
+        auto frames = static_cast<uint32_t>(out.size()) / test.outChannels;
+        EXPECT_EQ(test.render ? sample.render(out.data(), frames, test.outChannels) : sample.mix(out.data(), frames, test.outChannels),
             test.result);
         EXPECT_EQ(out, test.out);
         EXPECT_EQ(sample.position(), test.endPosition);
         EXPECT_EQ(sample.isPlaying(), test.stillPlaying);
     }
-}
-
-TEST(Sample, RenderClearsTheBlockFirst)
-{
-    Sample sample;
-    fillRamp(sample, 10, 1);
-    std::vector<float> out(4, 7.0f);
-    EXPECT_EQ(sample.render(out.data(), 4, 1), -1);
-    EXPECT_EQ(out, (std::vector<float> { 1, 2, 3, 4 }));
-    sample.setPlaying(false);
-    EXPECT_EQ(sample.render(out.data(), 4, 1), 0);
-    EXPECT_EQ(out, std::vector<float>(4, 0.0f));
 }
 
 TEST(SampleDeathTest, ResamplingIntoThreeChannelsIsFatal)

@@ -85,7 +85,9 @@ TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
     }
 }
 
-TEST(PatternPlayer, StepVolumeIsScaledByMasterAndInstrumentVolume)
+// A step sounds at its volume times the master and instrument volumes; a live note at the master
+// and instrument volumes, once, from the next block, whether or not the song plays.
+TEST(PatternPlayer, NotesAreScaledByMasterAndInstrumentVolumeAndALiveNotePlaysOnceAtTheNextBlock)
 {
     LoopingRig rig;
     rig.useClick(5, 1.0f);
@@ -93,6 +95,13 @@ TEST(PatternPlayer, StepVolumeIsScaledByMasterAndInstrumentVolume)
     rig.player.setVolume(0.7f);
     rig.player.pattern(0).setCell(5, 0, { 0.25f, 1.0f, 0 });
     EXPECT_EQ(rig.start().render(64, { 64 })[0], 0.25f * 0.7f * 0.5f);
+    rig.player.stop();
+    rig.player.triggerLive(5);
+    EXPECT_EQ(rig.player.soloTrack(), 5);
+    std::vector<float> out = rig.render(256, { 256 });
+    EXPECT_EQ(soundingFrames(out), std::vector<uint64_t> { 0 });
+    EXPECT_EQ(out[0], 0.7f * 0.5f);
+    EXPECT_TRUE(soundingFrames(rig.render(256, { 256 })).empty());
 }
 
 TEST(PatternPlayer, StoppedPlayerRendersSilenceAndKeepsItsPosition)
@@ -110,19 +119,6 @@ TEST(PatternPlayer, StoppedPlayerRendersSilenceAndKeepsItsPosition)
     // Stopping also silences the notes that were sounding.
     EXPECT_TRUE(soundingFrames(rig.render(1000, { 1000 })).empty());
     EXPECT_EQ(rig.player.position(), 1000u);
-}
-
-TEST(PatternPlayer, LiveTriggerPlaysATrackOnceAtTheNextBlockWhetherOrNotPlaying)
-{
-    PlayerRig rig;
-    rig.useClick(7, 1.0f);
-    rig.player.setVolume(0.5f);
-    rig.player.triggerLive(7);
-    EXPECT_EQ(rig.player.soloTrack(), 7);
-    std::vector<float> out = rig.render(256, { 256 });
-    EXPECT_EQ(soundingFrames(out), std::vector<uint64_t> { 0 });
-    EXPECT_EQ(out[0], 0.5f);
-    EXPECT_TRUE(soundingFrames(rig.render(256, { 256 })).empty());
 }
 
 TEST(PatternPlayer, TempoChangeKeepsTheRelativePointOfThePass)

@@ -107,7 +107,7 @@ TEST(PatternPlayer, NotesAreScaledByMasterAndInstrumentVolumeAndALiveNotePlaysOn
 TEST(PatternPlayer, StoppedPlayerRendersSilenceAndKeepsItsPosition)
 {
     LoopingRig rig;
-    rig.clickEveryStep().useConstant(0, 100000);
+    rig.clickEveryStep().instruments[0].sample().setFrames(std::vector<float>(100000, 1.0f), 1);
     rig.player.setMode(0);
     rig.player.seek(0);
     EXPECT_TRUE(soundingFrames(rig.render(10000, { 1000 })).empty());

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <limits>
+#include <tuple>
 
 using namespace pulsara;
 using namespace pulsara::testing;
@@ -68,36 +69,36 @@ struct RecordingWindow : WaveDeviceListener {
     std::vector<uint32_t> messages;
 };
 
-// Counts the buffers written; with `eager` its output plays the first one whole the moment it is
-// queued, before the stream can queue the second, as a fast device thread may.
-struct CountingDevice : PulledWaveDevice {
-    WaveResult write(WaveHeader& header) override
-    {
-        WaveResult result = PulledWaveDevice::write(header);
-        if (++writes == 1 && eager)
-            firstPlayed = pull(header.bufferLength / 2);
-        return result;
-    }
-    bool eager = false;
-    int writes = 0;
-    Samples firstPlayed;
-};
-
-// Renders period n (counting from 1) as the value n / 8, and notes how many buffers the device
-// had been given when each render began.
+// Renders period n (counting from 1) as the value n / 8.
 struct PeriodSource : ScriptedSource {
-    explicit PeriodSource(const CountingDevice& device)
-        : device(device)
-    {
-    }
     void render(float* out, uint32_t frames, uint32_t channels) override
     {
-        writesBefore.push_back(device.writes);
         tail = { static_cast<float>(renders.load() + 1) / 8.0f };
         ScriptedSource::render(out, frames, channels);
     }
-    const CountingDevice& device;
-    std::vector<int> writesBefore;
+};
+
+// Notes how many periods the source had rendered when each buffer was written; with `eager` its
+// output plays the first buffer whole the moment it is queued, before the stream can queue the
+// second, as a fast device thread may.
+struct CountingDevice : PulledWaveDevice {
+    CountingDevice(const PeriodSource& source, bool eager)
+        : source(source)
+        , eager(eager)
+    {
+    }
+    WaveResult write(WaveHeader& header) override
+    {
+        rendersAtWrite.push_back(source.renders.load());
+        WaveResult result = PulledWaveDevice::write(header);
+        if (rendersAtWrite.size() == 1 && eager)
+            firstPlayed = pull(header.bufferLength / 2);
+        return result;
+    }
+    const PeriodSource& source;
+    bool eager;
+    std::vector<int> rendersAtWrite;
+    Samples firstPlayed;
 };
 
 } // namespace
@@ -143,14 +144,13 @@ TEST(WaveOutStream, StartRendersBothBuffersBeforeQueuingEitherAndThePeriodsPlayI
 {
     for (bool eager : { false, true }) {
         SCOPED_TRACE(eager ? "a device that plays at once" : "a device that waits to be pulled");
-        CountingDevice device;
-        device.eager = eager;
+        PeriodSource source;
+        CountingDevice device(source, eager);
         {
-            PeriodSource source(device);
             RecordingStream stream(device, &source);
             ASSERT_EQ(stream.start(), 1);
-            ASSERT_GE(source.writesBefore.size(), 2u);
-            EXPECT_EQ(source.writesBefore[0] + source.writesBefore[1], 0);
+            ASSERT_FALSE(device.rendersAtWrite.empty());
+            EXPECT_EQ(device.rendersAtWrite[0], 2);
             Samples firstSamples;
             if (eager)
                 firstSamples.push_back(device.firstPlayed.at(0));
@@ -295,9 +295,8 @@ TEST(WaveOutStream, CloseFailureInStopAndPositionFailureAreFatalAndAFailedCloseL
     device.positionResult = WaveResult::NotOpen;
     EXPECT_THROW(stream.position(), FatalErrorUnwind);
     device.positionResult = WaveResult::Ok;
-    EXPECT_EQ(reports.last().source, "Sound/waveOut");
-    EXPECT_EQ(reports.last().line, 171);
-    EXPECT_EQ(reports.last().message, u"waveOutGetPosition");
+    auto report = [&] { return std::tuple(reports.last().code, reports.last().source, reports.last().line, reports.last().message); };
+    EXPECT_EQ(report(), std::tuple(-1, "Sound/waveOut", 171, u"waveOutGetPosition"));
     for (int round = 0; round < 2; ++round) {
         ASSERT_EQ(stream.start(), 1);
         EXPECT_EQ(device.outputsClosed, round); // the second start closed and reopened from Resetting
@@ -305,10 +304,7 @@ TEST(WaveOutStream, CloseFailureInStopAndPositionFailureAreFatalAndAFailedCloseL
         EXPECT_THROW(stream.stop(), FatalErrorUnwind);
         device.closeResult = WaveResult::Ok;
         ASSERT_EQ(reports.reports().size(), round + 2u);
-        EXPECT_EQ(reports.last().code, -1);
-        EXPECT_EQ(reports.last().source, "Sound/waveOut");
-        EXPECT_EQ(reports.last().line, 126);
-        EXPECT_EQ(reports.last().message, u"Close");
+        EXPECT_EQ(report(), std::tuple(-1, "Sound/waveOut", 126, u"Close"));
         EXPECT_EQ(stream.state(), StreamState::Resetting);
         EXPECT_TRUE(device.isOpen());
     }

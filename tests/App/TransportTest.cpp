@@ -73,20 +73,9 @@ TEST(Transport, StopLetsTheQueuedSoundPlayAndReleasesOnlyASharedDeviceOutsideLiv
     }
 }
 
-TEST(Transport, LiveTriggerStartsAStoppedStreamWithoutPlayingTheSong)
-{
-    TransportRig rig;
-    ASSERT_EQ(rig.transport.triggerLive(3), 1);
-    EXPECT_TRUE(rig.transport.isRunning());
-    EXPECT_FALSE(rig.transport.isPlaying());
-    EXPECT_EQ(rig.song.player().soloTrack(), 3);
-    rig.device.openResult = WaveResult::NoDevice;
-    rig.transport.close();
-    EXPECT_EQ(rig.transport.triggerLive(4), 0);
-    EXPECT_EQ(rig.song.player().soloTrack(), 3);
-}
-
-TEST(Transport, LiveKeysMapToTracksInRowOrderAndAreConsumedOnlyInLiveMode)
+// A live note starts a stopped stream without playing the song, and plays nothing without a
+// device. The live keys trigger their tracks only in live mode.
+TEST(Transport, LiveNotesStartTheStreamAndLiveKeysMapToTracksInRowOrderOnlyInLiveMode)
 {
     for (auto [key, track] : { std::pair { '1', 0 }, { '9', 8 }, { '0', 9 }, { 'Q', 10 }, { 'P', 19 }, { 'A', 20 }, { 'L', 28 },
              { 'Z', 29 }, { 'M', 35 }, { ' ', -1 }, { 'q', -1 } })
@@ -97,6 +86,15 @@ TEST(Transport, LiveKeysMapToTracksInRowOrderAndAreConsumedOnlyInLiveMode)
     TransportRig rig;
     EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 'W', 0), 0);
     EXPECT_EQ(rig.song.player().soloTrack(), -1);
+    ASSERT_EQ(rig.transport.triggerLive(3), 1);
+    EXPECT_TRUE(rig.transport.isRunning());
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_EQ(rig.song.player().soloTrack(), 3);
+    rig.device.openResult = WaveResult::NoDevice;
+    rig.transport.close();
+    EXPECT_EQ(rig.transport.triggerLive(4), 0);
+    EXPECT_EQ(rig.song.player().soloTrack(), 3);
+    rig.device.openResult = WaveResult::Ok;
     rig.transport.setLiveMode(true);
     EXPECT_TRUE(rig.transport.isRunning());
     EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 'W', 0), 1);

@@ -44,7 +44,6 @@ TEST(Sample, MixesOrRendersFromItsPositionAtItsRateAndStopsAtTheEnd)
             false },
         { "a copy from the whole frame of a fraction", 2, 1.0f, 2.75, 0.5f, None, true, 2, -1,
             { 2.0f, -1.0f, 2.5f, -1.5f }, 4.75, true },
-        { "a stopped sample", 1, 1.0f, 0.0, 1.0f, None, false, 1, 0, { 0.5f, 0.5f, 0.5f, 0.5f }, 0.0, false },
         { "a copy beyond the end", 1, 1.0f, 12.0, 1.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0, false },
         { "a resampling beyond the end", 1, 0.5f, 12.0, 1.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0,
             false },

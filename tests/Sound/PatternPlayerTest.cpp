@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 using namespace pulsara;
 using pulsara::test::PlayerRig;
@@ -55,23 +56,19 @@ TEST(PatternPlayerDeathTest, FramesPerStepWithoutAFormatIsFatal)
 // and with fractional as with whole frames per step.
 TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
 {
-    struct Case {
-        uint32_t rate;
-        float tempo;
-        uint32_t beats;
-        std::vector<uint32_t> blocks;
+    const std::tuple<uint32_t, float, uint32_t, std::vector<uint32_t>> cases[] = {
+        { 44100, 150.0f, 4, { 8800 } },
+        { 44100, 150.0f, 4, { 4410, 4409, 1, 333 } },
+        { 44100, 150.0f, 4, { 70559 } }, // exactly one pass per block
+        { 44100, 173.0f, 4, { 64, 1000, 7, 3000 } },
+        { 22050, 300.0f, 1, { 8800, 13 } }, // a block spans several passes
+        { 48000, 61.0f, 3, { 2047 } },
+        { 22050, 120.0f, 16, { 1234 } }, // a whole 11025 frames per step
     };
-    for (const Case& c : std::vector<Case> {
-             { 44100, 150.0f, 4, { 8800 } },
-             { 44100, 150.0f, 4, { 4410, 4409, 1, 333 } },
-             { 44100, 150.0f, 4, { 70559 } }, // exactly one pass per block
-             { 44100, 173.0f, 4, { 64, 1000, 7, 3000 } },
-             { 22050, 300.0f, 1, { 8800, 13 } }, // a block spans several passes
-             { 48000, 61.0f, 3, { 2047 } },
-             { 22050, 120.0f, 16, { 1234 } }, // a whole 11025 frames per step
-         }) {
-        LoopingRig rig(c.rate, 1, c.tempo);
-        rig.player.setBeatsPerPattern(c.beats);
+    for (const auto& [rate, tempo, beats, blocks] : cases) {
+        SCOPED_TRACE(::testing::Message() << rate << " Hz, tempo " << tempo << ", block " << blocks[0]);
+        LoopingRig rig(rate, 1, tempo);
+        rig.player.setBeatsPerPattern(beats);
         rig.clickEveryStep().start();
         double framesPerStep = rig.player.framesPerStep();
         auto pass = static_cast<uint64_t>(16 * framesPerStep);
@@ -80,8 +77,7 @@ TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
             for (uint32_t step = 0; step < 16; ++step)
                 starts.push_back(k * pass + static_cast<uint64_t>(step * framesPerStep));
         }
-        EXPECT_EQ(soundingFrames(rig.render(3 * pass, c.blocks)), starts)
-            << c.rate << " Hz, tempo " << c.tempo << ", block " << c.blocks[0];
+        EXPECT_EQ(soundingFrames(rig.render(3 * pass, blocks)), starts);
     }
 }
 

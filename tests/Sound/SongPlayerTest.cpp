@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 using namespace pulsara;
 using pulsara::test::PlayerRig;
 using pulsara::test::soundingFrames;
@@ -108,18 +110,13 @@ TEST(SongPlayer, LengthCoversThePositionsUpToTheLoopEnd)
 TEST(SongPlayer, MovesPlayFromTheStartOfTheTargetPositionAtTheNextBlock)
 {
     enum class Move { Seek, Direct, Request };
-    const struct {
-        const char* what;
-        Move move;
-        int32_t target;
-        float heard;
-    } cases[] = {
+    const std::tuple<const char*, Move, int32_t, float> cases[] = {
         { "a seek to the start", Move::Seek, 0, 0.25f },
         { "a move", Move::Direct, 2, 1.0f },
         { "a request replacing an earlier one", Move::Request, 2, 1.0f },
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+    for (const auto& [what, move, target, heard] : cases) {
+        SCOPED_TRACE(what);
         PlayerRig rig;
         arrange(rig, 0, { 0 }, 0.25f);
         arrange(rig, 1, { 1 }, 0.5f);
@@ -127,20 +124,20 @@ TEST(SongPlayer, MovesPlayFromTheStartOfTheTargetPositionAtTheNextBlock)
         positionsPlayed(rig, 2, 8800);
         uint64_t before = rig.player.position();
         ASSERT_NE(before, 0u);
-        if (c.move == Move::Seek)
+        if (move == Move::Seek)
             rig.player.seek(0);
-        else if (c.move == Move::Direct)
-            rig.player.moveToSongPosition(c.target);
+        else if (move == Move::Direct)
+            rig.player.moveToSongPosition(target);
         else {
             rig.player.requestSongPosition(1);
-            rig.player.requestSongPosition(c.target);
+            rig.player.requestSongPosition(target);
         }
-        EXPECT_EQ(rig.player.songPosition(), c.target);
-        EXPECT_EQ(rig.player.position(), c.move == Move::Request ? before : 0u);
+        EXPECT_EQ(rig.player.songPosition(), target);
+        EXPECT_EQ(rig.player.position(), move == Move::Request ? before : 0u);
         std::vector<float> out = rig.render(rig.player.framesPerPass(), { 512 });
         EXPECT_EQ(soundingFrames(out), (std::vector<uint64_t> { 0 }));
-        EXPECT_EQ(out[0], c.heard);
-        EXPECT_EQ(rig.player.songPosition(), c.target);
+        EXPECT_EQ(out[0], heard);
+        EXPECT_EQ(rig.player.songPosition(), target);
     }
 }
 

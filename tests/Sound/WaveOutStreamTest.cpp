@@ -101,33 +101,27 @@ struct CountingDevice : PulledWaveDevice {
 // The device always gets 16-bit PCM, whatever the mix's sample size, with the extra size of 18.
 TEST(WaveOutStream, StartOpens16BitPcmWithBuffersOfWholeUnitsOfTheLatencyPeriod)
 {
-    const struct {
-        uint32_t rate;
-        uint16_t channels;
-        int latency;
-        size_t deviceBytes;
-        uint32_t renderFrames;
-        uint32_t bytesPerSecond;
-    } cases[] = {
+    // Rate, channels, latency, bytes per device buffer, frames per render, bytes per second.
+    const std::tuple<uint32_t, uint16_t, int, size_t, uint32_t, uint32_t> cases[] = {
         { 44100, 1, 200, 17600, 8800, 88200 },
         { 44100, 2, 200, 35264, 8816, 176400 },
         { 22050, 1, 30, 1280, 640, 44100 }, // 661 frames round down to 640
         { 48000, 2, 100, 19200, 4800, 192000 },
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::Message() << c.rate << " Hz, " << c.channels << " ch, " << c.latency << " ms");
-        StreamRig rig({ c.rate, 32, static_cast<uint8_t>(c.channels) }, c.latency);
+    for (const auto& [rate, channels, latency, deviceBytes, renderFrames, bytesPerSecond] : cases) {
+        SCOPED_TRACE(::testing::Message() << rate << " Hz, " << channels << " ch, " << latency << " ms");
+        StreamRig rig({ rate, 32, static_cast<uint8_t>(channels) }, latency);
         EXPECT_EQ(rig.source.format(), &rig.format);
-        EXPECT_EQ(rig.source.lastLatency.load(), c.latency);
+        EXPECT_EQ(rig.source.lastLatency.load(), latency);
         ASSERT_EQ(rig.stream.start(), 1);
         const WaveFormat& opened = rig.stream.waveFormat();
         EXPECT_EQ((std::vector<uint32_t> { opened.formatTag, opened.channels, opened.samplesPerSecond, opened.bitsPerSample,
                       opened.blockAlign, opened.averageBytesPerSecond, opened.extraSize }),
-            (std::vector<uint32_t> { 1, c.channels, c.rate, 16, c.channels * 2u, c.bytesPerSecond, 18 }));
-        EXPECT_EQ(rig.source.lastFrames.load(), c.renderFrames);
-        EXPECT_EQ(rig.stream.deviceBufferBytes(0), c.deviceBytes);
-        EXPECT_EQ(rig.stream.deviceBufferBytes(1), c.deviceBytes);
-        EXPECT_EQ(rig.stream.floatBufferBytes(), 2 * c.deviceBytes);
+            (std::vector<uint32_t> { 1, channels, rate, 16, channels * 2u, bytesPerSecond, 18 }));
+        EXPECT_EQ(rig.source.lastFrames.load(), renderFrames);
+        EXPECT_EQ(rig.stream.deviceBufferBytes(0), deviceBytes);
+        EXPECT_EQ(rig.stream.deviceBufferBytes(1), deviceBytes);
+        EXPECT_EQ(rig.stream.floatBufferBytes(), 2 * deviceBytes);
     }
 }
 
@@ -327,15 +321,8 @@ TEST(WaveOutStream, VolumeSetsBothChannelWordsAndReadsThemAsOneNumber)
 
 TEST(WaveOutStreamFill, ClipsConvertsAndReportsSignedPeaks)
 {
-    const struct {
-        const char* name;
-        uint8_t channels;
-        std::vector<float> head;
-        std::vector<float> tail;
-        Samples firstSamples;
-        std::pair<float, float> peak;
-        bool clipped;
-    } cases[] = {
+    // What, channels, the script's head and tail, the first samples played, the peak, the clip flag.
+    const std::tuple<const char*, uint8_t, std::vector<float>, std::vector<float>, Samples, std::pair<float, float>, bool> cases[] = {
         { "over full scale clips and sets the flag", 1, {}, { 1.5f }, { 32767, 32767 }, { 1.0f, 1.0f }, true },
         { "negative full scale never sets the flag", 1, {}, { -1.5f }, { -32767, -32767 }, { -1.0f, -1.0f }, false },
         { "a zero after -0.5 replaces the peak", 1, { -0.5f }, { 0.0f }, { -16383, 0 }, { 0.0f, 0.0f }, false },
@@ -345,18 +332,18 @@ TEST(WaveOutStreamFill, ClipsConvertsAndReportsSignedPeaks)
         { "either stereo channel at full scale sets the flag", 2, {}, { 0.1f, 1.2f }, { 3276, 32767 }, { 0.1f, 1.0f }, true },
         { "not a number is written as silence", 1, {}, { std::numeric_limits<float>::quiet_NaN() }, { 0, 0 }, { 0.0f, 0.0f }, false },
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        StreamRig rig({ 44100, 32, c.channels });
-        rig.source.head = c.head;
-        rig.source.tail = c.tail;
+    for (const auto& [name, channels, head, tail, firstSamples, peak, clipped] : cases) {
+        SCOPED_TRACE(name);
+        StreamRig rig({ 44100, 32, channels });
+        rig.source.head = head;
+        rig.source.tail = tail;
         ASSERT_EQ(rig.stream.start(), 1);
         Samples samples = rig.playOne(); // the buffer played first is the one filled first
-        EXPECT_EQ(Samples(samples.begin(), samples.begin() + c.firstSamples.size()), c.firstSamples);
+        EXPECT_EQ(Samples(samples.begin(), samples.begin() + firstSamples.size()), firstSamples);
         ASSERT_FALSE(rig.stream.peaks.empty());
-        EXPECT_EQ(rig.stream.peaks[0], c.peak);
+        EXPECT_EQ(rig.stream.peaks[0], peak);
         // The third fill (after playOne) rendered the same script, so the flag describes it too.
-        EXPECT_EQ(rig.stream.isClipped(), c.clipped);
+        EXPECT_EQ(rig.stream.isClipped(), clipped);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 using namespace pulsara;
@@ -128,25 +129,22 @@ TEST(Sample, SetFramesKeepsASilentSpareFrameAndUnloadEmptiesIt)
 // mix without a frame of the new data, and the next note plays the new data from its start.
 TEST(Sample, ANoteStopsWhenItsDataIsReplacedAndTheNextNotePlaysTheNewData)
 {
-    const struct {
-        const char* what;
-        std::vector<float> replacement; // empty: unloaded
-        std::vector<float> nextNote;
-    } cases[] = {
+    // The replacement (empty: unloaded) and what the next note plays.
+    const std::tuple<const char*, std::vector<float>, std::vector<float>> cases[] = {
         { "longer data", std::vector<float>(20, 9.0f), { 9, 9, 9, 9 } },
         { "shorter data", { 7, 7 }, { 7, 7, 0, 0 } },
         { "no data", {}, { 0, 0, 0, 0 } },
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.what);
+    for (const auto& [what, replacement, nextNote] : cases) {
+        SCOPED_TRACE(what);
         Sample sample;
         fillRamp(sample, 10, 1);
         std::vector<float> out(4, 0.0f);
         ASSERT_EQ(sample.mix(out.data(), 3, 1), -1);
-        if (test.replacement.empty())
+        if (replacement.empty())
             sample.unload();
         else
-            ASSERT_TRUE(sample.setFrames(test.replacement, 1));
+            ASSERT_TRUE(sample.setFrames(replacement, 1));
         out.assign(4, 0.0f);
         EXPECT_EQ(sample.mix(out.data(), 4, 1), -1);
         EXPECT_EQ(out, std::vector<float>(4, 0.0f));
@@ -154,6 +152,6 @@ TEST(Sample, ANoteStopsWhenItsDataIsReplacedAndTheNextNotePlaysTheNewData)
         EXPECT_EQ(sample.position(), 0.0);
         sample.setPlaying(true);
         sample.mix(out.data(), 4, 1);
-        EXPECT_EQ(out, test.nextNote);
+        EXPECT_EQ(out, nextNote);
     }
 }

@@ -44,9 +44,10 @@ std::u16string twoDigits(uint32_t value)
 
 } // namespace
 
-Application::Application(Skin& skin, WaveDevice& device)
+Application::Application(Skin& skin, WaveDevice& device, MidiPorts* midiPorts)
     : skin_(skin)
     , device_(device)
+    , midiPorts_(midiPorts)
     , song_(AudioFormat { 44100, 32, 1 })
     , edits_(song_)
     , transport_(device, song_)
@@ -56,6 +57,8 @@ Application::Application(Skin& skin, WaveDevice& device)
     , topBar_(skin)
     , livePanels_ { LiveRow(skin, song_, 0, kLiveKeysFirstRow), LiveRow(skin, song_, kFirstTrackOfSecondRow, kLiveKeysSecondRow) }
 {
+    if (midiPorts_)
+        midi_ = std::make_unique<MidiInput>(*midiPorts_, song_.player());
 }
 
 Application::~Application()
@@ -153,6 +156,7 @@ void Application::initialise(const AppSettings& settings)
     transport_.setDocumentFlags(document_.flags());
     device_.chooseOutput(toUtf8(settings.device));
     transport_.open(settings.bufferLength);
+    applyMidiSettings(settings);
     transport_.setMeterListener(this);
     document_.setFolders(samplesFolder(), templatesFolder(), settings.samplesDir.empty() ? samplesFolder() : settings.samplesDir);
     document_.setLastSample(settings.lastSample);
@@ -188,7 +192,7 @@ void Application::openFirstSong()
 void Application::runSettingsDialog()
 {
     AppSettings settings = currentSettings();
-    SettingsDialog dialog(settings, device_.outputNames(), QApplication::activeWindow());
+    SettingsDialog dialog(settings, device_.outputNames(), midiPorts_ ? midiPorts_->names() : std::vector<std::string>(), QApplication::activeWindow());
     // The latency takes effect as soon as it is chosen; the stream restarts with it if running.
     dialog.onLatency = [this](int milliseconds) { transport_.setLatency(milliseconds); };
     dialog.exec();
@@ -209,6 +213,17 @@ void Application::runSettingsDialog()
     }
     if (format.sampleRate != song_.format().sampleRate || format.channels != song_.format().channels)
         transport_.changeFormat(format);
+    applyMidiSettings(settings);
+}
+
+void Application::applyMidiSettings(const AppSettings& settings)
+{
+    settings_.midiIn = settings.midiIn;
+    settings_.midiMode = settings.midiMode;
+    if (!midi_)
+        return;
+    midi_->setMode(settings.midiMode == 1 ? MidiNoteMap::Mode::Chromatic : MidiNoteMap::Mode::Drums);
+    midi_->setInput(toUtf8(settings.midiIn));
 }
 
 void Application::rememberSong(std::u16string_view path)
@@ -557,6 +572,16 @@ void Application::followPlayback()
         drainingSince_ = 0;
     }
     song_.reclaimSamples();
+    if (midi_) {
+        // Inputs come and go; a look once a second picks them up.
+        if (++followTicks_ % kMidiLookTicks == 0)
+            midi_->refresh();
+        PatternEditor& editor = mainEditor_.patternPage().editor();
+        midi_->setChosenTrack(int32_t(editor.trackOfRow(std::max(0, editor.selectedRow()))));
+        // A note played with the stream stopped waits for it in the live path.
+        if (midi_->takePlayed() && !transport_.isRunning())
+            transport_.start();
+    }
     if (device_.takeFallbackNotice())
         prompts().ask(u"The sound device \"" + settings_.device + u"\" is not there; Pulsara plays on the system's default device.",
             u"Pulsara", PromptButtons::Ok);

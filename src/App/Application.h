@@ -2,6 +2,7 @@
 
 #include "App/AppSettings.h"
 #include "App/Autosave.h"
+#include "App/MidiInput.h"
 #include "App/PairDisplay.h"
 #include "App/SongDocument.h"
 #include "App/TopBar.h"
@@ -49,6 +50,8 @@ public:
     static constexpr uint32_t kFollowPeriodMs = 10;
     // The longest the device may take to play out what it holds after playing stops.
     static constexpr uint32_t kDrainLimitMs = 3000;
+    // Follow ticks between two looks for MIDI inputs that came or went: a second.
+    static constexpr uint32_t kMidiLookTicks = 100;
 
     enum Command : uint16_t {
         kExitCommand = 40002,
@@ -69,8 +72,9 @@ public:
         kFirstRecentCommand = 40400,
     };
 
-    // The device is not owned; it plays what the transport renders.
-    Application(Skin&, WaveDevice&);
+    // The device is not owned; it plays what the transport renders. The MIDI inputs, when
+    // given, play live notes (not owned).
+    Application(Skin&, WaveDevice&, MidiPorts* = nullptr);
     ~Application() override;
 
     // Everything that needs no window: the controls' skins, the tree, the song set up as the
@@ -127,6 +131,7 @@ public:
     PairDisplay& pairDisplay() { return pairDisplay_; }
     LiveRow& livePanel(int32_t row) { return livePanels_[row == 1 ? 1 : 0]; }
     PatternLengthPanel& songProperties() { return songProperties_; }
+    MidiInput* midiInput() { return midi_.get(); }
 
     // EditorHost
     void setTopBarMode(int32_t) override;
@@ -161,6 +166,7 @@ private:
     };
 
     void runSettingsDialog();
+    void applyMidiSettings(const AppSettings&);
     void openRecentSong(uint32_t index);
     void updateRecentMenu();
 
@@ -206,6 +212,7 @@ private:
 
     Skin& skin_;
     WaveDevice& device_;
+    MidiPorts* midiPorts_;
     Song song_;
     SongEdits edits_;
     Transport transport_;
@@ -231,6 +238,8 @@ private:
     FollowTimer followTimer_ { *this };
     AutosaveTimer autosaveTimer_ { *this };
     AppSettings settings_;
+    std::unique_ptr<MidiInput> midi_;
+    uint32_t followTicks_ = 0;
 };
 
 } // namespace pulsara

@@ -25,10 +25,13 @@ QString milliseconds(int value)
 
 } // namespace
 
-SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<std::string>& outputs, QWidget* owner)
+SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<std::string>& outputs,
+    const std::vector<std::string>& midiInputs, QWidget* owner)
     : QDialog(owner)
     , format_(new QComboBox(this))
     , device_(new QComboBox(this))
+    , midiInput_(new QComboBox(this))
+    , midiMode_(new QComboBox(this))
     , stereo_(new QCheckBox(QStringLiteral("Stereo"), this))
     , latency_(new QSlider(Qt::Horizontal, this))
     , latencyLabel_(new QLabel(this))
@@ -50,6 +53,16 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<st
     if (!chosen.isEmpty() && device_->findData(chosen) < 0)
         device_->addItem(chosen, chosen);
     device_->setCurrentIndex(std::max(0, device_->findData(chosen)));
+    midiInput_->addItem(QStringLiteral("All inputs"), QString());
+    midiInput_->addItem(QStringLiteral("None"), QStringLiteral("None"));
+    for (const std::string& name : midiInputs)
+        midiInput_->addItem(QString::fromStdString(name), QString::fromStdString(name));
+    const QString input = QString::fromStdU16String(settings.midiIn);
+    if (!input.isEmpty() && midiInput_->findData(input) < 0)
+        midiInput_->addItem(input, input);
+    midiInput_->setCurrentIndex(std::max(0, midiInput_->findData(input)));
+    midiMode_->addItems({ QStringLiteral("Drums: C2 plays track 1"), QStringLiteral("Chromatic: the chosen instrument") });
+    midiMode_->setCurrentIndex(settings.midiMode == 1 ? 1 : 0);
     shareDevice_->setChecked(settings.releaseWaveOut);
     smoothResampling_->setChecked(settings.interpolation != 0);
     latency_->setRange(AppSettings::kMinLatencyMs, AppSettings::kMaxLatencyMs);
@@ -82,7 +95,11 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<st
     layout->addWidget(new QLabel(QStringLiteral("Options:"), this), 2, 0);
     layout->addWidget(shareDevice_, 2, 1, 1, 2);
     layout->addWidget(smoothResampling_, 3, 1, 1, 2);
-    layout->addWidget(buttons, 6, 0, 1, 3);
+    layout->addWidget(new QLabel(QStringLiteral("MIDI input:"), this), 6, 0);
+    layout->addWidget(midiInput_, 6, 1, 1, 2);
+    layout->addWidget(new QLabel(QStringLiteral("MIDI notes:"), this), 7, 0);
+    layout->addWidget(midiMode_, 7, 1, 1, 2);
+    layout->addWidget(buttons, 8, 0, 1, 3);
 }
 
 void SettingsDialog::latencySettled()
@@ -101,6 +118,8 @@ void SettingsDialog::applyTo(AppSettings& settings) const
     settings.interpolation = smoothResampling_->isChecked() ? 1 : 0;
     settings.bufferLength = latency_->value();
     settings.device = device_->currentData().toString().toStdU16String();
+    settings.midiIn = midiInput_->currentData().toString().toStdU16String();
+    settings.midiMode = midiMode_->currentIndex() == 1 ? 1 : 0;
 }
 
 } // namespace pulsara

@@ -25,7 +25,9 @@ public:
 
     // `outputs` are the sound outputs to choose from, the system's default first (none: no
     // choice is offered).
-    SettingsDialog(const AppSettings&, const std::vector<std::string>& outputs, QWidget* owner);
+    // `midiInputs` likewise the MIDI inputs there now.
+    SettingsDialog(const AppSettings&, const std::vector<std::string>& outputs, const std::vector<std::string>& midiInputs,
+        QWidget* owner);
 
     // Called with each latency the user settles on, in milliseconds.
     std::function<void(int milliseconds)> onLatency;
@@ -34,6 +36,8 @@ public:
 
     QComboBox& format() { return *format_; }
     QComboBox& device() { return *device_; }
+    QComboBox& midiInput() { return *midiInput_; }
+    QComboBox& midiMode() { return *midiMode_; }
     QCheckBox& stereo() { return *stereo_; }
     QSlider& latency() { return *latency_; }
     QLabel& latencyLabel() { return *latencyLabel_; }
@@ -45,6 +49,8 @@ private:
 
     QComboBox* format_;
     QComboBox* device_;
+    QComboBox* midiInput_;
+    QComboBox* midiMode_;
     QCheckBox* stereo_;
     QSlider* latency_;
     QLabel* latencyLabel_;

@@ -4,6 +4,7 @@
 #include "App/Application.h"
 #include "App/DataFolders.h"
 #include "App/MainWindow.h"
+#include "App/RtMidiPorts.h"
 #include "App/SingleInstance.h"
 #include "App/UserFolders.h"
 #include "App/WindowErrorPresenter.h"
@@ -79,7 +80,8 @@ int runWindow(int argc, char** argv, const std::u16string& songPath)
     skin.load();
 
     RtAudioDevice device;
-    Application app(skin, device);
+    RtMidiPorts midiPorts;
+    Application app(skin, device, &midiPorts);
     app.initialise(settings);
     app.openFirstSong();
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Sound/LiveNoteRing.h"
 #include "Sound/SoundSource.h"
 #include "Sound/StepGrid.h"
 #include "Sound/TrackVoice.h"
@@ -60,9 +61,13 @@ public:
     uint64_t position() const { return position_.load(std::memory_order_relaxed); }
     bool isPlaying() const { return playing_.load(std::memory_order_relaxed); }
 
+    // Who plays live notes: each has a ring of its own (see LiveNoteRing).
+    enum class LiveSource { Gui = 0, Midi = 1 };
     // Live play: the track's instrument is played from the start of the next rendered block,
-    // whether or not the sequencer is running. -1 plays nothing.
+    // whether or not the sequencer is running, at the master volume. -1 plays nothing. GUI thread.
     void triggerLive(int32_t track);
+    // The same with a volume and a rate of its own, from the source's thread.
+    void playLive(LiveSource, LiveNote);
     int32_t soloTrack() const { return soloTrack_.load(std::memory_order_relaxed); }
 
     // SoundSource
@@ -105,7 +110,8 @@ private:
         uint32_t length;
         bool sequencing;
         bool wrapsAtStart; // the block starts a new pass rather than the first one
-        int32_t liveTrack;
+        // The live note of each track for this block (track -1: none).
+        std::array<LiveNote, kTracks> live;
     };
     void renderTrack(uint32_t row, const Block&);
 
@@ -122,7 +128,7 @@ private:
     std::atomic<bool> freshStart_ { true };
     std::atomic<bool> cutRequested_ { false };
     std::atomic<int32_t> soloTrack_ { -1 };
-    std::atomic<bool> liveTrigger_ { false };
+    std::array<LiveNoteRing, 2> liveNotes_;
     // Where playing began, for the cursor's estimate.
     std::atomic<uint32_t> startStep_ { 0 };
     std::atomic<int64_t> startTick_ { 0 };

@@ -5,6 +5,7 @@
 #include "App/DroppedFiles.h"
 #include "App/ExportProgress.h"
 #include "App/HelpLauncher.h"
+#include "base/QuietReports.h"
 #include "App/SettingsDialog.h"
 #include "GUI/NativeWindow.h"
 #include "GUI/Prompts.h"
@@ -542,6 +543,31 @@ void Application::loadSampleSafely(const std::function<void()>& load)
     load();
     if (restart)
         transport_.start();
+}
+
+void Application::audition(std::u16string_view path)
+{
+    SongPlayer& player = song_.player();
+    player.stopAudition();
+    if (path.empty()) {
+        if (startedForAudition_ && !transport_.isPlaying() && !liveact_)
+            transport_.stopPlaying();
+        startedForAudition_ = false;
+        return;
+    }
+    {
+        // A file that is no WAV is simply not heard while browsing; no box interrupts.
+        QuietReports quiet;
+        player.audition().load(path);
+    }
+    if (!player.audition().isLoaded())
+        return;
+    if (!transport_.isRunning()) {
+        if (!transport_.start())
+            return;
+        startedForAudition_ = true;
+    }
+    player.playAudition();
 }
 
 void Application::followPlayback()

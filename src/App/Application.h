@@ -141,6 +141,7 @@ public:
     void setFocusedEditor(uint16_t editor) override { focusedEditor_ = editor; }
     bool isLiveMode() const override { return liveact_; }
     void loadSampleSafely(const std::function<void()>& load) override;
+    void audition(std::u16string_view path) override;
 
     // The displays and the rulers' play markers follow playback; the timer calls it.
     void followPlayback();
@@ -240,6 +241,8 @@ private:
     AppSettings settings_;
     std::unique_ptr<MidiInput> midi_;
     uint32_t followTicks_ = 0;
+    // The stream was started to hear a sample, and stops with it.
+    bool startedForAudition_ = false;
 };
 
 } // namespace pulsara

@@ -80,6 +80,7 @@ void PatternPlayer::setLength(uint32_t steps)
 void PatternPlayer::setFormat(const AudioFormat* format)
 {
     format_ = format;
+    audition_.setFormat(format);
     recomputeFramesPerStep();
 }
 
@@ -202,6 +203,7 @@ void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
 
     for (uint32_t row = 0; row < kTracks; ++row)
         renderTrack(row, block);
+    renderAudition(block);
 
     if (block.sequencing) {
         uint64_t end = position + frames;
@@ -211,6 +213,20 @@ void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
             advanceForRow(-1, static_cast<uint32_t>(wraps - 1));
         position_.store(end % block.framesPerPass, std::memory_order_relaxed);
     }
+}
+
+void PatternPlayer::renderAudition(const Block& block)
+{
+    if (auditionStop_.exchange(false, std::memory_order_acq_rel))
+        audition_.setPlaying(false);
+    if (auditionStart_.exchange(false, std::memory_order_acq_rel)) {
+        audition_.setPosition(0.0);
+        audition_.setRate(1.0f);
+        audition_.setVolume(volume());
+        audition_.setPlaying(true);
+    }
+    if (audition_.isPlaying())
+        audition_.mix(block.out, block.frames, block.channels);
 }
 
 void PatternPlayer::renderTrack(uint32_t row, const Block& block)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Sound/LiveNoteRing.h"
+#include "Sound/Sample.h"
 #include "Sound/SoundSource.h"
 #include "Sound/StepGrid.h"
 #include "Sound/TrackVoice.h"
@@ -68,6 +69,11 @@ public:
     void triggerLive(int32_t track);
     // The same with a volume and a rate of its own, from the source's thread.
     void playLive(LiveSource, LiveNote);
+    // A sample heard on its own, beside the tracks: a file selected in the sample dialog. Its
+    // data is the GUI thread's to load; play and stop take effect at the next block.
+    Sample& audition() { return audition_; }
+    void playAudition() { audition_.setPlaying(false); auditionStart_.store(true, std::memory_order_release); }
+    void stopAudition() { auditionStart_.store(false, std::memory_order_release); auditionStop_.store(true, std::memory_order_release); }
     int32_t soloTrack() const { return soloTrack_.load(std::memory_order_relaxed); }
 
     // SoundSource
@@ -114,6 +120,8 @@ private:
         std::array<LiveNote, kTracks> live;
     };
     void renderTrack(uint32_t row, const Block&);
+    // Device callback thread: no allocation, locks, I/O or logging.
+    void renderAudition(const Block&);
 
     const AudioFormat* format_ = nullptr;
     std::atomic<bool> playing_ { false };
@@ -129,6 +137,9 @@ private:
     std::atomic<bool> cutRequested_ { false };
     std::atomic<int32_t> soloTrack_ { -1 };
     std::array<LiveNoteRing, 2> liveNotes_;
+    Sample audition_;
+    std::atomic<bool> auditionStart_ { false };
+    std::atomic<bool> auditionStop_ { false };
     // Where playing began, for the cursor's estimate.
     std::atomic<uint32_t> startStep_ { 0 };
     std::atomic<int64_t> startTick_ { 0 };

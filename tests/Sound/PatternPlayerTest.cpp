@@ -98,6 +98,15 @@ TEST(PatternPlayer, NotesAreScaledByMasterAndInstrumentVolumeAndALiveNotePlaysOn
     EXPECT_EQ(soundingFrames(out), std::vector<uint64_t> { 0 });
     EXPECT_EQ(out[0], 0.7f * 0.5f);
     EXPECT_TRUE(soundingFrames(rig.render(256, { 256 })).empty());
+    // A live note with a volume and a rate of its own (a MIDI key), beside the stopped song.
+    rig.player.playLive(PatternPlayer::LiveSource::Midi, { 5, 0.5f, 1.0f });
+    EXPECT_EQ(rig.render(256, { 256 })[0], 0.5f * 0.7f * 0.5f);
+    // A sample heard on its own plays at the master volume until it is stopped.
+    rig.player.audition().setFrames(std::vector<float>(512, 0.5f), 1);
+    rig.player.playAudition();
+    EXPECT_EQ(rig.render(256, { 256 })[255], 0.5f * 0.7f);
+    rig.player.stopAudition();
+    EXPECT_TRUE(soundingFrames(rig.render(256, { 256 })).empty());
 }
 
 TEST(PatternPlayer, StoppedPlayerRendersSilenceAndKeepsItsPosition)

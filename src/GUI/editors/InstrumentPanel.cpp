@@ -90,7 +90,7 @@ void InstrumentPanel::open()
         dialogPath_.assign(sample.path().view());
     else if (!samplesFolder_.empty())
         dialogPath_.assign(std::u16string(samplesFolder_.view()) + kPathSeparator);
-    if (!chooseOpenFile(dialogPath_)) {
+    if (!chooseSampleFile(dialogPath_, [this](std::u16string_view selected) { host_.audition(selected); })) {
         dialogPath_.assign(previous.view());
         return;
     }

@@ -38,6 +38,9 @@ struct AppSettings {
     // tracks as drums (0) or the chosen instrument at their pitch (1).
     std::u16string midiIn;
     uint32_t midiMode = 0;
+    // Screen pixels per pixel of the skin: 1 to 3, or 0 for the screen's own scale rounded to a
+    // whole number.
+    uint32_t zoom = 0;
     // Not among the program's first settings: File > Open Recent, newest first.
     std::vector<std::u16string> recentSongs;
 };

@@ -215,6 +215,11 @@ void Application::runSettingsDialog()
     if (format.sampleRate != song_.format().sampleRate || format.channels != song_.format().channels)
         transport_.changeFormat(format);
     applyMidiSettings(settings);
+    if (settings.zoom != settings_.zoom) {
+        settings_.zoom = settings.zoom;
+        if (NativeWindow* window = windowHandle())
+            window->setZoom(int32_t(settings.zoom));
+    }
 }
 
 void Application::applyMidiSettings(const AppSettings& settings)
@@ -684,6 +689,8 @@ intptr_t Application::onCreate(NativeWindow* window)
 {
     intptr_t result = RootElement::onCreate(window);
     checkMenuItem(kLiveactCommand, liveact_);
+    if (window && settings_.zoom != 0)
+        window->setZoom(int32_t(settings_.zoom));
     document_.updateTitle();
     document_.buildTemplatesMenu();
     updateRecentMenu();

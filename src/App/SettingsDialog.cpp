@@ -32,6 +32,7 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<st
     , device_(new QComboBox(this))
     , midiInput_(new QComboBox(this))
     , midiMode_(new QComboBox(this))
+    , zoom_(new QComboBox(this))
     , stereo_(new QCheckBox(QStringLiteral("Stereo"), this))
     , latency_(new QSlider(Qt::Horizontal, this))
     , latencyLabel_(new QLabel(this))
@@ -63,6 +64,8 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<st
     midiInput_->setCurrentIndex(std::max(0, midiInput_->findData(input)));
     midiMode_->addItems({ QStringLiteral("Drums: C2 plays track 1"), QStringLiteral("Chromatic: the chosen instrument") });
     midiMode_->setCurrentIndex(settings.midiMode == 1 ? 1 : 0);
+    zoom_->addItems({ QStringLiteral("Auto"), QStringLiteral("100 %"), QStringLiteral("200 %"), QStringLiteral("300 %") });
+    zoom_->setCurrentIndex(int(std::min<uint32_t>(settings.zoom, 3)));
     shareDevice_->setChecked(settings.releaseWaveOut);
     smoothResampling_->setChecked(settings.interpolation != 0);
     latency_->setRange(AppSettings::kMinLatencyMs, AppSettings::kMaxLatencyMs);
@@ -99,7 +102,9 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<st
     layout->addWidget(midiInput_, 6, 1, 1, 2);
     layout->addWidget(new QLabel(QStringLiteral("MIDI notes:"), this), 7, 0);
     layout->addWidget(midiMode_, 7, 1, 1, 2);
-    layout->addWidget(buttons, 8, 0, 1, 3);
+    layout->addWidget(new QLabel(QStringLiteral("Zoom:"), this), 8, 0);
+    layout->addWidget(zoom_, 8, 1, 1, 2);
+    layout->addWidget(buttons, 9, 0, 1, 3);
 }
 
 void SettingsDialog::latencySettled()
@@ -120,6 +125,7 @@ void SettingsDialog::applyTo(AppSettings& settings) const
     settings.device = device_->currentData().toString().toStdU16String();
     settings.midiIn = midiInput_->currentData().toString().toStdU16String();
     settings.midiMode = midiMode_->currentIndex() == 1 ? 1 : 0;
+    settings.zoom = uint32_t(std::max(0, zoom_->currentIndex()));
 }
 
 } // namespace pulsara

@@ -38,6 +38,7 @@ public:
     QComboBox& device() { return *device_; }
     QComboBox& midiInput() { return *midiInput_; }
     QComboBox& midiMode() { return *midiMode_; }
+    QComboBox& zoom() { return *zoom_; }
     QCheckBox& stereo() { return *stereo_; }
     QSlider& latency() { return *latency_; }
     QLabel& latencyLabel() { return *latencyLabel_; }
@@ -51,6 +52,7 @@ private:
     QComboBox* device_;
     QComboBox* midiInput_;
     QComboBox* midiMode_;
+    QComboBox* zoom_;
     QCheckBox* stereo_;
     QSlider* latency_;
     QLabel* latencyLabel_;

@@ -17,7 +17,7 @@ CELL_WIDTH, CELL_HEIGHT = 28, 16
 PATTERN_LABELS, PLAYLIST_LABELS = 120, 48
 
 
-def wait_for(check, what, timeout=15.0):
+def wait_for(check, what, timeout=30.0):
     """Polls `check` until it holds and returns what it gave; fails when it never does."""
     deadline = time.monotonic() + timeout
     while time.monotonic() < deadline:

@@ -99,6 +99,8 @@ int runWindow(int argc, char** argv, const std::u16string& songPath)
     instance.listen([&](SingleInstance::Request request) {
         if (request == SingleInstance::Request::OpenFromShell) {
             app.handleMessage(kMessageUser, 0, 0);
+            if (!window.isVisible())
+                instance.stopListening();
             return;
         }
         window.showNormal();

@@ -190,6 +190,28 @@ TEST(SongFile, AKillDuringASaveLeavesTheOldOrTheNewSongWhole)
     }
 }
 
+TEST(SongFile, TheNextSaveRemovesWhatAKilledSaveLeft)
+{
+    ScratchFolder folder;
+    const std::u16string path = folder.file("beat.kqu");
+    const pid_t gone = ::fork();
+    if (gone == 0)
+        _exit(0);
+    ::waitpid(gone, nullptr, 0);
+    const std::string abandoned = "beat.kqu.saving-" + std::to_string(gone) + "-0";
+    // A save still running in another program, and another song's leftover, are not this one's.
+    const std::string running = "beat.kqu.saving-" + std::to_string(::getppid()) + "-0";
+    const std::string other = "drums.kqu.saving-" + std::to_string(gone) + "-0";
+    for (const std::string& name : { abandoned, running, other })
+        std::ofstream(folder.path() / name) << "half a song";
+    Song song;
+    RecordingLocator locator;
+    ASSERT_EQ(saveSong(song, path, locator), 1);
+    std::vector<std::string> left = temporaryFiles(folder);
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, (std::vector<std::string> { running, other }));
+}
+
 TEST(SongFileDeathTest, ASongThatCannotBeReadIsFatal)
 {
     // The kernel refuses to read this file at offset 0, a read that fails rather than ends.

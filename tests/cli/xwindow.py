@@ -17,7 +17,7 @@ CELL_WIDTH, CELL_HEIGHT = 28, 16
 PATTERN_LABELS, PLAYLIST_LABELS = 120, 48
 
 
-def wait_for(check, what, timeout=30.0):
+def wait_for(check, what, timeout=60.0):
     """Polls `check` until it holds and returns what it gave; fails when it never does."""
     deadline = time.monotonic() + timeout
     while time.monotonic() < deadline:
@@ -58,10 +58,15 @@ class Desktop:
     def __enter__(self):
         return self
 
-    def __exit__(self, *error):
+    def __exit__(self, error, *details):
         for program in self.programs:
             program.kill()
             program.wait()
+        if error:
+            # What the programs said is the first thing to read when a check failed.
+            for number in range(len(self.programs)):
+                with open(self.path("program-%d.log" % number), errors="replace") as log:
+                    print("--- program %d: %s" % (number, log.read()))
         self.server.kill()
         self.server.wait()
         shutil.rmtree(self.folder, ignore_errors=True)
@@ -69,8 +74,10 @@ class Desktop:
     def path(self, *names):
         return os.path.join(self.folder, *names)
 
-    def start(self, *command, stderr=subprocess.DEVNULL):
-        program = subprocess.Popen(command, env=self.env, stdout=subprocess.DEVNULL, stderr=stderr)
+    def start(self, *command):
+        log = open(self.path("program-%d.log" % len(self.programs)), "w")
+        program = subprocess.Popen(command, env=self.env, stdout=log, stderr=subprocess.STDOUT)
+        log.close()
         self.programs.append(program)
         return program
 

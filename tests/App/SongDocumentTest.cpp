@@ -3,7 +3,6 @@
 // full disk), and the automatic copy a crash leaves behind.
 #include "App/SongDocument.h"
 
-#include "GUI/FileDialogs.h"
 #include "GUI/ScriptedPrompts.h"
 #include "GUI/editors/SongEdits.h"
 #include "Sound/Song.h"
@@ -43,20 +42,6 @@ struct RecordingHost final : DocumentHost {
     void closeWindow() override { closed = true; }
     void setTemplatesMenu(const std::vector<std::u16string>& names) override { templates = names; }
     void rememberSong(std::u16string_view path) override { remembered.emplace_back(path); }
-};
-
-// Answers the file dialogs with a path, or cancels them.
-struct ScriptedDialogs {
-    explicit ScriptedDialogs(std::u16string answer = {})
-    {
-        setFileDialogHook([answer](FileDialogKind, FilePath& path) {
-            if (answer.empty())
-                return 0;
-            path.assign(answer);
-            return 1;
-        });
-    }
-    ~ScriptedDialogs() { setFileDialogHook({}); }
 };
 
 struct Document {
@@ -153,7 +138,7 @@ TEST(SongDocument, AsksToSaveChangesOnlyWhenThereAreAny)
     };
     for (const Case& c : cases) {
         Document doc;
-        ScriptedDialogs cancelled;
+        ScriptedFileDialogs cancelled;
         ScriptedPrompts answers({ c.answer });
         if (c.titled)
             doc.open("beat.kqu");
@@ -222,7 +207,7 @@ TEST(SongDocument, SavesKeepTheSongModifiedWhenTheyFail)
     EXPECT_TRUE(doc.document.isDirty());
     EXPECT_EQ(doc.host.title, u"Pulsara - beat*");
 
-    ScriptedDialogs chosen(doc.folder.file("kept.kqu"));
+    ScriptedFileDialogs chosen(doc.folder.file("kept.kqu"));
     EXPECT_EQ(doc.document.saveAs(), 1);
     EXPECT_EQ(doc.host.title, u"Pulsara - kept");
     EXPECT_EQ(doc.document.saveNewVersion(), 1);
@@ -298,7 +283,7 @@ TEST(SongDocument, AsksForSamplesThatAreNotWhereTheSongSays)
         const std::u16string moved = doc.folder.write("moved/kick.wav", makeWav(1, 44100, 16, pcm16({ 5, 6 })));
 
         ScriptedPrompts answers({ c.answers.begin(), c.answers.end() });
-        ScriptedDialogs chosen(moved);
+        ScriptedFileDialogs chosen(moved);
         doc.document.setSongPath(path);
         ASSERT_EQ(doc.document.loadSongFile(), 1);
         ASSERT_EQ(answers.asked.size(), c.questions);

@@ -1,8 +1,7 @@
-// The main screen as a whole: its layout and the narrow-window rules, live mode, the title and
-// the modified mark that follows undo, the keyboard, playing and the song properties pop-up.
-#include "App/Application.h"
-#include "GUI/WindowDriver.h"
-#include "support/PulledWaveDevice.h"
+// The main screen as a whole: the narrow-window rules, live mode, the title and the modified mark
+// that follows undo, the keyboard, playing and the song properties pop-up. The layout itself is
+// pinned pixel by pixel by the screenshot tests.
+#include "DemoApp.h"
 
 #include <QUndoStack>
 #include <gtest/gtest.h>
@@ -10,49 +9,15 @@
 using namespace pulsara;
 using namespace pulsara::test;
 
-namespace {
-
-constexpr const char16_t* kDemo = u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu";
-
-struct Screen : WindowDriver {
-    pulsara::testing::PulledWaveDevice device;
-    Application app { loadedSkin(), device };
-
-    explicit Screen(int width = 1200, int height = 780, std::u16string_view song = kDemo) : WindowDriver(app)
-    {
-        app.initialise(30);
-        if (!song.empty())
-            app.loadSongFile(song);
-        open(width, height);
-    }
-};
-
-} // namespace
-
-TEST(Application, LaysOutTheTopRowsTheEditorsAndTheLiveRows)
+TEST(Application, LiveModeChecksItsMenuItemAndLeavingItGivesTheEditorsTheirRoomBack)
 {
-    Screen screen;
+    DemoScreen screen;
     Application& app = screen.app;
-    EXPECT_EQ(*app.topBar().rect(), (ElemRect { 0, 0, 1200, 36 }));
-    EXPECT_EQ(*app.pageButton(0).rect(), (ElemRect { 0, 36, 84, 36 }));
-    EXPECT_EQ(app.pageButton(1).rect()->x, 84);
-    EXPECT_EQ(*app.tempoSlider().rect(), (ElemRect { 1170, 36, 30, 36 }));
-    EXPECT_EQ(app.masterVolumeSlider().rect()->x, 1140);
-    EXPECT_EQ(app.playButton().rect()->right(), 1140);
-    EXPECT_EQ(*app.mainEditor().rect(), (ElemRect { 0, 72, 1200, 708 }));
-    EXPECT_EQ(app.mainEditor().grid(0).visibleRows(), 40) << "all tracks of a pattern in view";
     EXPECT_FALSE(app.livePanel(0).isVisible());
-
     screen.command(Application::kLiveactCommand);
     EXPECT_TRUE(app.isLiveact());
     EXPECT_TRUE(screen.window.checkedItems[Application::kLiveactCommand]);
-    EXPECT_EQ(app.mainEditor().rect()->height, 708 - 2 * 18);
-    EXPECT_EQ(*app.livePanel(0).rect(), (ElemRect { 0, 780 - 36, 1200, 18 }));
-    EXPECT_EQ(*app.livePanel(1).rect(), (ElemRect { 0, 780 - 18, 1200, 18 }));
     EXPECT_TRUE(app.livePanel(1).isVisible());
-    EXPECT_EQ(app.livePanel(0).padText(10), u"Q");
-    EXPECT_EQ(app.livePanel(0).padText(0), u"1 Kick");
-
     screen.command(Application::kLiveactCommand);
     EXPECT_FALSE(screen.window.checkedItems[Application::kLiveactCommand]);
     EXPECT_EQ(*app.mainEditor().rect(), (ElemRect { 0, 72, 1200, 708 }));
@@ -61,7 +26,7 @@ TEST(Application, LaysOutTheTopRowsTheEditorsAndTheLiveRows)
 
 TEST(Application, NarrowWindowsDropThePairDisplayThenTheCounter)
 {
-    Screen screen;
+    DemoScreen screen;
     Application& app = screen.app;
     const int counter = app.counterDisplay().preferredWidth();
     // The room between the page buttons (168) and the play button (116 from the right).
@@ -84,28 +49,21 @@ TEST(Application, NarrowWindowsDropThePairDisplayThenTheCounter)
     }
 }
 
-TEST(Application, TheTitleMarksChangesUntilUndoneOrSaved)
+// The rules of the title are the document's (its tests); here it reaches the window.
+TEST(Application, TheTitleMarksChangesUntilUndone)
 {
-    Screen screen;
-    Application& app = screen.app;
-    EXPECT_EQ(app.titleText(), u"Pulsara - zzzDemo");
+    DemoScreen screen;
     EXPECT_EQ(screen.window.title, u"Pulsara - zzzDemo");
-    screen.click(WindowDriver::centre(app.mainEditor().grid(0)));
+    screen.click(WindowDriver::centre(screen.app.mainEditor().grid(0)));
     EXPECT_EQ(screen.window.title, u"Pulsara - zzzDemo*");
-    EXPECT_TRUE(app.documentFlags() & Application::kDirtyFlag);
-    app.edits().history().undo();
+    EXPECT_TRUE(screen.app.documentFlags() & Application::kDirtyFlag);
+    screen.app.edits().history().undo();
     EXPECT_EQ(screen.window.title, u"Pulsara - zzzDemo");
-    app.edits().history().redo();
-    EXPECT_EQ(screen.window.title, u"Pulsara - zzzDemo*");
-
-    Screen untitled(800, 600, {});
-    EXPECT_EQ(untitled.window.title, u"Pulsara - Untitled");
-    EXPECT_TRUE(untitled.app.documentFlags() & Application::kUntitledFlag);
 }
 
 TEST(Application, KeysGoToTheFocusedPage)
 {
-    Screen screen;
+    DemoScreen screen;
     Application& app = screen.app;
     StepGridView& pattern = app.mainEditor().grid(0);
     StepGridView& playlist = app.mainEditor().grid(1);
@@ -132,7 +90,7 @@ TEST(Application, KeysGoToTheFocusedPage)
 
 TEST(Application, SpaceAndThePlayButtonPlayAndStop)
 {
-    Screen screen;
+    DemoScreen screen;
     Application& app = screen.app;
     screen.key(kKeySpace);
     EXPECT_TRUE(app.transport().isPlaying());
@@ -153,7 +111,7 @@ TEST(Application, SpaceAndThePlayButtonPlayAndStop)
 
 TEST(Application, LiveKeysPlayOncePerPress)
 {
-    Screen screen;
+    DemoScreen screen;
     Application& app = screen.app;
     screen.command(Application::kLiveactCommand);
     app.song().player().triggerLive(-1);
@@ -169,7 +127,7 @@ TEST(Application, LiveKeysPlayOncePerPress)
 
 TEST(Application, SongPropertiesPopUpClosesOnItsButtonATapOutsideOrEscape)
 {
-    Screen screen;
+    DemoScreen screen;
     Application& app = screen.app;
     screen.command(Application::kSongPropertiesCommand);
     ASSERT_EQ(app.overlay(), &app.songProperties());

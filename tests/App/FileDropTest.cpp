@@ -1,10 +1,7 @@
 // Files dropped on the window from a file manager: WAV files into instruments, songs opened,
 // anything else refused without a change.
-#include "App/Application.h"
-#include "App/MainWindow.h"
+#include "DemoApp.h"
 #include "GUI/ScriptedPrompts.h"
-#include "GUI/WindowDriver.h"
-#include "support/PulledWaveDevice.h"
 #include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
 
@@ -21,20 +18,8 @@ using namespace pulsara::test;
 
 namespace {
 
-struct Window {
-    pulsara::testing::PulledWaveDevice device;
-    Application app { loadedSkin(), device };
-    std::unique_ptr<MainWindow> window;
-
-    Window()
-    {
-        app.initialise(30);
-        app.loadSongFile(u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu");
-        window = std::make_unique<MainWindow>(app, app.edits().history());
-        window->resize(1200, 780);
-        window->show();
-        QCoreApplication::processEvents();
-    }
+struct Window : DemoWindow {
+    Window() : DemoWindow(1200, 780) { }
     // Drops the files on the canvas at the point, as a file manager does: the drag comes in, then
     // the drop.
     void drop(const std::vector<std::u16string>& paths, QPoint at)
@@ -45,9 +30,9 @@ struct Window {
             urls << QUrl::fromLocalFile(QString::fromStdU16String(path));
         data.setUrls(urls);
         QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&window->canvas(), &enter);
+        QCoreApplication::sendEvent(&window.canvas(), &enter);
         QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(&window->canvas(), &event);
+        QCoreApplication::sendEvent(&window.canvas(), &event);
     }
     QPoint label(int row)
     {

@@ -1,11 +1,8 @@
 // Tens of thousands of random presses, drags, releases, wheel turns, keys and commands on the
 // whole main screen while the device thread renders the song: nothing may crash or trip a
 // sanitizer, and the song stays within its limits. The seed is fixed, so a failure repeats.
-#include "App/Application.h"
-#include "GUI/FileDialogs.h"
+#include "DemoApp.h"
 #include "GUI/ScriptedPrompts.h"
-#include "GUI/WindowDriver.h"
-#include "support/PulledWaveDevice.h"
 
 #include <QUndoStack>
 #include <gtest/gtest.h>
@@ -23,31 +20,16 @@ constexpr int kEvents = 20000;
 constexpr int kWidth = 900;
 constexpr int kHeight = 640;
 
-struct Screen : WindowDriver {
-    pulsara::testing::PulledWaveDevice device;
-    Application app { loadedSkin(), device };
-
-    Screen() : WindowDriver(app)
-    {
-        app.initialise(30);
-        app.loadSongFile(u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu");
-        open(kWidth, kHeight);
-    }
-};
+bool within(double value, double low, double high) { return value >= low && value <= high; }
 
 void expectWithinLimits(Song& song)
 {
     SongPlayer& player = song.player();
-    EXPECT_GE(song.stepsPerPattern(), 1u);
-    EXPECT_LE(song.stepsPerPattern(), 64u);
-    EXPECT_GE(player.tempo(), 1.0f);
-    EXPECT_LE(player.tempo(), 300.0f);
-    EXPECT_GE(player.volume(), 0.0f);
-    EXPECT_LE(player.volume(), 1.0f);
-    EXPECT_GE(player.loopStart(), 0);
-    EXPECT_LT(player.loopStart(), int32_t(Song::kPositions));
-    EXPECT_GE(player.loopEnd(), -1);
-    EXPECT_LT(player.loopEnd(), int32_t(Song::kPositions));
+    EXPECT_PRED3(within, song.stepsPerPattern(), 1, 64);
+    EXPECT_PRED3(within, player.tempo(), 1, 300);
+    EXPECT_PRED3(within, player.volume(), 0, 1);
+    EXPECT_PRED3(within, player.loopStart(), 0, Song::kPositions - 1);
+    EXPECT_PRED3(within, player.loopEnd(), -1, Song::kPositions - 1);
     for (uint32_t pattern = 0; pattern < Song::kPatterns; ++pattern) {
         EXPECT_LE(player.patternName(pattern).size(), SongPlayer::kMaxNameLength);
         for (uint32_t row = 0; row < Song::kInstruments; ++row) {
@@ -62,8 +44,7 @@ void expectWithinLimits(Song& song)
         }
     }
     for (uint32_t slot = 0; slot < Song::kInstruments; ++slot) {
-        EXPECT_GE(song.instrument(slot).volume(), 0.0f);
-        EXPECT_LE(song.instrument(slot).volume(), 1.0f);
+        EXPECT_PRED3(within, song.instrument(slot).volume(), 0, 1);
         EXPECT_LE(song.instrument(slot).name().size(), Instrument::kMaxNameLength);
     }
 }
@@ -73,8 +54,8 @@ void expectWithinLimits(Song& song)
 TEST(RandomGestures, LeaveTheSongWithinItsLimitsWhilePlaying)
 {
     ScriptedPrompts prompts;
-    setFileDialogHook([](FileDialogKind, FilePath&) { return 0; });
-    Screen screen;
+    ScriptedFileDialogs cancelled;
+    DemoScreen screen(kWidth, kHeight);
     Application& app = screen.app;
     ASSERT_EQ(app.transport().play(), 1);
 
@@ -95,66 +76,42 @@ TEST(RandomGestures, LeaveTheSongWithinItsLimitsWhilePlaying)
     bool buttonDown = false;
     for (int event = 0; event < kEvents; ++event) {
         screen.window.popupChoice = popupChoices[below(8)];
-        switch (below(16)) {
-        case 0:
-        case 1:
-        case 2:
-            if (!buttonDown) {
-                pointer = { below(kWidth), below(kHeight) };
-                screen.press(pointer, below(6) == 0 ? 1 : 0);
-                buttonDown = true;
-            }
-            break;
-        case 3:
-        case 4:
-        case 5:
-        case 6:
+        const int kind = below(16);
+        if (kind < 3 && !buttonDown) {
+            pointer = { below(kWidth), below(kHeight) };
+            screen.press(pointer, below(6) == 0 ? 1 : 0);
+            buttonDown = true;
+        } else if (kind >= 3 && kind < 7) {
             // Mostly short moves, as a hand drags; sometimes a jump, or past the window's edge.
             pointer += QPoint(below(61) - 30, below(41) - 20);
             if (below(20) == 0)
                 pointer = { below(kWidth + 100) - 50, below(kHeight + 100) - 50 };
             screen.move(pointer);
-            break;
-        case 7:
-        case 8:
+        } else if (kind == 7 || kind == 8) {
             screen.release(pointer, below(6) == 0 ? 1 : 0);
             buttonDown = false;
-            break;
-        case 9:
+        } else if (kind == 9) {
             screen.wheel({ below(kWidth), below(kHeight) }, below(7) - 3, below(2) ? kWheelShift : 0);
-            break;
-        case 10:
-        case 11:
+        } else if (kind == 10 || kind == 11) {
             screen.key(keys[below(int(std::size(keys)))], below(8) == 0 ? kKeyRepeatFlag : 0);
-            break;
-        case 12:
+        } else if (kind == 12) {
             screen.command(below(4) == 0 ? Application::kLiveactCommand : Application::kSongPropertiesCommand);
-            break;
-        case 13:
-            if (below(2))
-                app.edits().history().undo();
-            else
-                app.edits().history().redo();
-            break;
-        case 14:
-            if (screen.window.textEdit && screen.window.textEdit->shown) {
-                screen.window.textEdit->content = std::u16string(size_t(below(40)), u'x');
-                screen.window.textEdit->finish(below(2) == 0);
-            }
-            break;
-        default:
+        } else if (kind == 13) {
+            below(2) ? app.edits().history().undo() : app.edits().history().redo();
+        } else if (kind == 14 && screen.window.textEdit && screen.window.textEdit->shown) {
+            screen.window.textEdit->content = std::u16string(size_t(below(40)), u'x');
+            screen.window.textEdit->finish(below(2) == 0);
+        } else if (kind == 15) {
             if (below(50) == 0)
                 screen.resize(640 + below(kWidth - 640), 480 + below(kHeight - 480));
             app.followPlayback();
             app.repaintChanged();
-            break;
         }
     }
     screen.release(pointer);
     app.transport().close();
     rendering = false;
     device.join();
-    setFileDialogHook({});
     expectWithinLimits(app.song());
     EXPECT_GT(app.edits().history().count(), 0) << "the gestures edited the song";
 }

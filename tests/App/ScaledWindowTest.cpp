@@ -1,10 +1,7 @@
 // At a screen scale of 1.5 the window draws every pixel of the skin as 2 x 2 screen pixels, so
 // that all cells keep one size, and clicks land on the cells they point at. Runs as the test
 // ScaledWindow, with QT_SCALE_FACTOR=1.5.
-#include "App/Application.h"
-#include "App/MainWindow.h"
-#include "GUI/WindowDriver.h"
-#include "support/PulledWaveDevice.h"
+#include "DemoApp.h"
 
 #include <QImage>
 #include <QMouseEvent>
@@ -17,15 +14,9 @@ TEST(ScaledWindow, EveryCellHasTheSameSizeAndClicksHitTheirCells)
 {
     if (qEnvironmentVariable("QT_SCALE_FACTOR") != QStringLiteral("1.5"))
         GTEST_SKIP() << "runs with QT_SCALE_FACTOR=1.5, as the test ScaledWindow";
-    pulsara::testing::PulledWaveDevice device;
-    Application app(loadedSkin(), device);
-    app.initialise(30);
-    app.loadSongFile(u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu");
-    MainWindow window(app, app.edits().history());
-    window.resize(800, 600);
-    window.show();
-    QCoreApplication::processEvents();
-    Canvas& canvas = window.canvas();
+    DemoWindow shown(800, 600);
+    Application& app = shown.app;
+    Canvas& canvas = shown.window.canvas();
     ASSERT_EQ(canvas.zoom(), 2);
 
     // The empty cells of the Snare's row, drawn at twice the skin's size: those on the same kind

@@ -6,10 +6,7 @@
 //   PULSARA_UPDATE_REFERENCES=1 ctest --test-dir build -R Screenshot
 // and look at the new tests/App/reference/*.png before committing them. A failing comparison
 // leaves the screenshot it took beside the test program, as <name>.actual.png.
-#include "App/Application.h"
-#include "App/MainWindow.h"
-#include "GUI/WindowDriver.h"
-#include "support/PulledWaveDevice.h"
+#include "DemoApp.h"
 
 #include <QImage>
 #include <gtest/gtest.h>
@@ -29,20 +26,13 @@ struct Shot {
 
 QImage screenshot(const Shot& shot)
 {
-    test::loadedSkin();
-    testing::PulledWaveDevice device;
-    Application app(theSkin(), device);
-    app.initialise(30);
-    app.loadSongFile(u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu");
-    MainWindow window(app, app.edits().history());
-    window.resize(shot.size);
-    window.show();
+    test::DemoWindow shown(shot.size.width(), shot.size.height());
     if (shot.view == View::PlaylistPage)
-        app.showPage(1);
+        shown.app.showPage(1);
     if (shot.view == View::Liveact)
-        app.toggleLiveact();
+        shown.app.toggleLiveact();
     QCoreApplication::processEvents();
-    return window.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    return shown.window.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
 // The number of pixels with a channel that differs by more than the tolerance.

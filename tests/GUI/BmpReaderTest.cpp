@@ -1,5 +1,4 @@
 #include "GUI/BmpReader.h"
-#include "GUI/BmpWriter.h"
 #include "BmpFileBuilder.h"
 #include "PixelChecks.h"
 
@@ -77,17 +76,6 @@ TEST(BmpReader, DecodesThePixelBytesAsTheyLieInTheFile)
         EXPECT_EQ(bitmap.image.size(), QSize(c.width, std::abs(c.height))) << c.name;
         test::expectPixels(bitmap.image, c.expected, c.name);
     }
-}
-
-TEST(BmpReader, ReadsWhatTheWriterWrites)
-{
-    QImage image(8, 5, QImage::Format_RGB32);
-    for (int y = 0; y < 5; ++y)
-        for (int x = 0; x < 8; ++x)
-            image.setPixel(x, y, qRgb(x * 30, y * 50, (x + y) * 10));
-    BmpImage bitmap = readBmp(encodeBmp24(image));
-    ASSERT_EQ(bitmap.fault, BmpFault::None);
-    EXPECT_EQ(bitmap.image, image);
 }
 
 } // namespace

@@ -90,7 +90,6 @@ TEST(LevelMeter, KeepsWholeSegmentsAndLightsThemFromTheLitHalfOfTheBitmap)
     LevelMeter meter(4);
     meter.setBitmap(&bitmap);
     meter.place(0, 0);
-    EXPECT_EQ(*meter.rect(), (ElemRect { 0, 0, 40, 4 }));
     auto changed = [&] {
         QRegion region;
         meter.collectChanged(region);
@@ -147,7 +146,7 @@ TEST(ScrollBar, ThumbIsItsFractionOfTheTrackArrowsStepTrackTapsPageAndTheThumbDr
     EXPECT_EQ(bar.thumbRect().width, 20);
 }
 
-TEST(Slider, MapsItsTravelToClampedSteppedValuesAndDrawsTheKnobAtItsValue)
+TEST(Slider, MapsItsTravelToClampedSteppedValuesAndDrawsTheDraggedKnob)
 {
     SkinnedSlider skinned({ 0, 0, 110, 10 });
     Slider& slider = skinned.slider;
@@ -163,46 +162,23 @@ TEST(Slider, MapsItsTravelToClampedSteppedValuesAndDrawsTheKnobAtItsValue)
     EXPECT_FALSE(slider.isDragging());
     EXPECT_EQ(reported, (std::vector<double> { 0.25, 1.0, 0.0 }));
     EXPECT_EQ(slider.stylusMove(50, 5), 0);
-
-    // Drawn over the knob at 1.0, the knob at 0.0 also clears its old place.
-    QImage image(110, 10, QImage::Format_RGB32);
-    QPainter dc(&image);
-    for (double value : { 1.0, 0.0 }) {
-        slider.setValue(value);
-        slider.paint(&dc, 0);
-    }
-    dc.end();
-    EXPECT_EQ(image.pixel(5, 5), qRgb(255, 0, 0));
-    EXPECT_NE(image.pixel(105, 5), qRgb(255, 0, 0));
+    // The knob drawn at its value over the background is in the screenshots.
 
     SkinnedSlider vertical({ 0, 20, 20, 60 }, Slider::Orientation::Vertical); // travel 50 from y = 25
     EXPECT_DOUBLE_EQ(vertical.slider.valueAt(0, 25), 0.0);
     EXPECT_DOUBLE_EQ(vertical.slider.valueAt(0, 50), 0.5);
 }
 
-TEST(TextLabel, DrawsItsTextInItsColourInsideItsRectangle)
+// A label's text in its colour inside its rectangle is pinned by the screenshots.
+TEST(TextLabel, ANewTextMarksItForTheRepaint)
 {
     test::testApplication();
     TextLabel label(u"Volume");
-    label.setColor(Qt::green);
     label.layout({ 10, 10, 60, 20 });
-    // The number of pixels tinted by the label's colour inside and outside its rectangle.
-    auto greenInk = [&] {
-        QImage image = painted(label, { 100, 40 });
-        std::pair<int, int> ink;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                if (QRgb p = image.pixel(x, y); qGreen(p) > 0 && qRed(p) == 0 && qBlue(p) == 0)
-                    (label.rect()->contains(x, y) ? ink.first : ink.second)++;
-        return ink;
-    };
-    auto [inside, outside] = greenInk();
-    EXPECT_GT(inside, 10);
-    EXPECT_EQ(outside, 0);
-    label.paint(nullptr, 2); // not changed: nothing to draw, not even a context needed
-    label.setText(u"");
+    painted(label, { 100, 40 });
+    EXPECT_FALSE(label.isDirty());
+    label.setText(u"Pan");
     EXPECT_TRUE(label.isDirty());
-    EXPECT_EQ(greenInk().first, 0);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GUI/FileDialogs.h"
 #include "GUI/Prompts.h"
 
 #include <deque>
@@ -38,6 +39,27 @@ public:
 private:
     std::deque<PromptAnswer> answers_;
     Prompts* previous_ = nullptr;
+};
+
+// Answers every file dialog with `answer`, or cancels it when that is empty, and keeps where the
+// last one started and its filter; installed for its lifetime.
+struct ScriptedFileDialogs {
+    explicit ScriptedFileDialogs(std::u16string answer = {})
+    {
+        setFileDialogHook([this, answer](FileDialogKind, FilePath& path) {
+            started = std::u16string(path.view());
+            filter = path.filter;
+            if (answer.empty())
+                return 0;
+            path.assign(answer);
+            return 1;
+        });
+    }
+    ~ScriptedFileDialogs() { setFileDialogHook({}); }
+    ScriptedFileDialogs(const ScriptedFileDialogs&) = delete;
+    ScriptedFileDialogs& operator=(const ScriptedFileDialogs&) = delete;
+    std::u16string started;
+    const char16_t* filter = nullptr;
 };
 
 } // namespace pulsara::test

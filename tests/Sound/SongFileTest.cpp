@@ -56,11 +56,6 @@ int versionIn(const std::filesystem::path& file, const std::array<std::vector<ui
     return kNeither;
 }
 
-bool hasTemporaryFiles(const ScratchFolder& folder)
-{
-    return !temporaryFiles(folder).empty();
-}
-
 } // namespace
 
 TEST(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
@@ -71,7 +66,7 @@ TEST(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
     Song saved;
     arrangeSong(saved);
     ASSERT_EQ(saveSong(saved, path, locator), 1);
-    EXPECT_FALSE(hasTemporaryFiles(folder));
+    EXPECT_TRUE(temporaryFiles(folder).empty());
     Song loaded;
     ReportRecorder reports;
     ASSERT_EQ(loadSong(loaded, path, locator), 1);
@@ -119,7 +114,7 @@ TEST(SongFile, SavingReplacesTheOldFileWhole)
     std::vector<uint8_t> bytes = folder.read("song.kqu");
     EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 0xAB), 0) << "nothing of the old file may remain";
     EXPECT_EQ(folder.read("song.kqu.bak"), std::vector<uint8_t>(100'000, 0xAB)) << "the old song is kept beside";
-    EXPECT_FALSE(hasTemporaryFiles(folder));
+    EXPECT_TRUE(temporaryFiles(folder).empty());
     Song loaded;
     ASSERT_EQ(loadSong(loaded, path, locator), 1);
     EXPECT_EQ(loaded.player().patternName(4), u"new");

@@ -1,6 +1,5 @@
 // The instrument panel: its volume, Open and Clear, each with its question or dialog.
 #include "EditorHarness.h"
-#include "GUI/FileDialogs.h"
 #include "GUI/ScriptedPrompts.h"
 #include "support/ScratchFolder.h"
 #include "support/WavBuilder.h"
@@ -10,28 +9,6 @@
 
 using namespace pulsara;
 using namespace pulsara::test;
-
-namespace {
-
-// Answers the open dialog with a path, or cancels it.
-struct ScriptedDialog {
-    explicit ScriptedDialog(std::u16string answer)
-    {
-        setFileDialogHook([this, answer](FileDialogKind kind, FilePath& path) {
-            started = std::u16string(path.view());
-            filter = path.filter;
-            if (answer.empty() || kind != FileDialogKind::Open)
-                return 0;
-            path.assign(answer);
-            return 1;
-        });
-    }
-    ~ScriptedDialog() { setFileDialogHook({}); }
-    std::u16string started;
-    const char16_t* filter = nullptr;
-};
-
-} // namespace
 
 TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
 {
@@ -44,14 +21,14 @@ TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
     EXPECT_EQ(panel.percentText(), u"70%");
 
     {
-        ScriptedDialog cancelled({});
+        ScriptedFileDialogs cancelled;
         panel.open();
         EXPECT_EQ(std::u16string_view(cancelled.filter), u"PCM WaveFiles");
         EXPECT_FALSE(instrument.sample().isLoaded());
         EXPECT_EQ(history.count(), 0);
     }
     {
-        ScriptedDialog chosen(kick);
+        ScriptedFileDialogs chosen(kick);
         panel.open();
         EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick);
         EXPECT_EQ(panel.fileText(), u"Kick1.wav");

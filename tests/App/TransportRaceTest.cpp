@@ -70,8 +70,15 @@ TEST(TransportRace, GuiEditsLoadsMovesAndRestartsWhileTheDeviceThreadRenders)
             while (!stop.stop_requested())
                 device.pull(4096, 2);
         });
-        auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-        for (uint32_t round = 0; std::chrono::steady_clock::now() < end; ++round) {
+        // Two seconds of edits at least, and on until the meters have seen enough fills, which a
+        // loaded machine may take longer to render.
+        auto start = std::chrono::steady_clock::now();
+        auto going = [&] {
+            auto elapsed = std::chrono::steady_clock::now() - start;
+            bool enough = meters.fills.load() > 100 && meters.soundingFills.load() > 50;
+            return elapsed < std::chrono::seconds(2) || (!enough && elapsed < std::chrono::seconds(60));
+        };
+        for (uint32_t round = 0; going(); ++round) {
             StepGrid& pattern = song.player().pattern(round % 2);
             pattern.setCell(round % 8, round % 16, { 0.5f + 0.01f * static_cast<float>(round % 50), 1.0f + 0.1f * static_cast<float>(round % 5), 0 });
             pattern.setCell((round + 3) % 8, (round + 5) % 16, Step {});

@@ -25,16 +25,17 @@ if [ "$(id -u)" -ne 0 ]; then
     echo "package_check: not root, so the package is not installed here (contents checked)"
     exit 0
 fi
-if dpkg-query -W pulsara >/dev/null 2>&1; then
+# Only a package that is installed counts: one removed earlier leaves a record, not files.
+if dpkg-query -W -f='${Status}' pulsara 2>/dev/null | grep -q "ok installed"; then
     echo "package_check: a pulsara package is installed already; it is left alone (contents checked)"
     exit 0
 fi
 scratch=$(mktemp -d)
-trap 'dpkg -r pulsara >/dev/null 2>&1 || true; rm -rf "$scratch"' EXIT
+trap 'dpkg --purge pulsara >/dev/null 2>&1 || true; rm -rf "$scratch"' EXIT
 DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "$(realpath "$deb")" >/dev/null
 [ "$(/usr/bin/pulsara --version)" = "pulsara $(dpkg-deb --field "$deb" Version)" ] || fail "pulsara --version: $(/usr/bin/pulsara --version)"
 HOME=$scratch /usr/bin/pulsara --export "$scratch/demo.wav" /usr/share/pulsara/Demo/zzzDemo.kqu
 [ "$(head -c 4 "$scratch/demo.wav")" = "RIFF" ] && [ "$(stat -c %s "$scratch/demo.wav")" -gt 100000 ] || fail "the demo did not export"
-dpkg -r pulsara >/dev/null
+dpkg --purge pulsara >/dev/null
 [ ! -e /usr/bin/pulsara ] && [ ! -e /usr/share/pulsara ] || fail "files left after removal"
 echo "package_check: installed, ran and removed $(basename "$deb")"

@@ -87,6 +87,26 @@ void ToggleCellToRepaint(benchmark::State& state)
 }
 BENCHMARK(ToggleCellToRepaint)->Unit(benchmark::kMicrosecond);
 
+// The program's own part of a scroll: the pixels moved and the new column drawn into the back
+// buffer, and the scroll bar redrawn by the repaint timer; what the window system then does with
+// the changed pixels is ScrollGrid's difference.
+void ScrollGridToBackBuffer(benchmark::State& state)
+{
+    ShownWindow shown(800, 600);
+    shown.application.edits().setPatternLength(8, 64);
+    shown.grid().refresh();
+    shown.canvas().repaint();
+    int32_t direction = 1;
+    for (auto _ : state) {
+        StepGridView& grid = shown.grid();
+        if (grid.firstColumn() + direction > grid.columns() - grid.visibleColumns() || grid.firstColumn() + direction < 0)
+            direction = -direction;
+        grid.scroll(direction, 0);
+        shown.application.repaintChanged();
+    }
+}
+BENCHMARK(ScrollGridToBackBuffer)->Unit(benchmark::kMicrosecond);
+
 void TimerRepaintOneChangedMeter(benchmark::State& state)
 {
     ShownWindow shown(800, 600);

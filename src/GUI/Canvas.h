@@ -35,6 +35,7 @@ public:
     QRegion updateRegion() const override { return updateRegion_; }
     void invalidate(const ElemRect&) override;
     void present(const QRegion&) override;
+    void scrollContent(const ElemRect&, int32_t dx, int32_t dy) override;
     void captureStylus() override { hasCapture_ = true; }
     void releaseStylus() override { hasCapture_ = false; }
     bool hasStylusCapture() const override { return hasCapture_; }
@@ -45,6 +46,12 @@ public:
     void checkMenuItem(uint32_t commandId, bool checked) override;
     void setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>&) override;
     std::unique_ptr<PlatformTextEdit> createTextEdit() override;
+    void setZoom(int32_t zoom) override;
+    // Screen pixels per pixel of the element tree, a whole number.
+    int32_t zoom() const;
+    // The widget's own coordinates of a rectangle of the tree, and the tree's of a point.
+    QRect toWidget(const ElemRect&) const;
+    QPoint toTree(QPointF widgetPoint) const;
 
 protected:
     bool event(QEvent*) override;
@@ -56,11 +63,17 @@ protected:
     void mouseMoveEvent(QMouseEvent*) override;
     void mouseDoubleClickEvent(QMouseEvent*) override;
     void wheelEvent(QWheelEvent*) override;
+    void dragEnterEvent(QDragEnterEvent*) override;
+    void dropEvent(QDropEvent*) override;
     void keyPressEvent(QKeyEvent*) override;
 
 private:
     QAction* menuAction(uint32_t commandId) const;
     void sendCreateOnce();
+    // Widget units per unit of the tree: the zoom over the screen's own scale.
+    double scale() const;
+    QRegion toTree(const QRegion& widgetRegion) const;
+    void updateTree(const QRegion& treeRegion);
     intptr_t send(uint32_t message, uintptr_t wParam = 0, intptr_t lParam = 0);
 
     RootElement& root_;
@@ -68,11 +81,14 @@ private:
     // Parts of the window whose back-buffer pixels are already fresh: shown without a paint
     // message.
     QRegion presented_;
+    // Parts asked to be painted again that no paint event has covered yet.
+    QRegion invalidated_;
     QRegion updateRegion_;
     bool created_ = false;
     bool destroyed_ = false;
     bool closing_ = false;
     bool hasCapture_ = false;
+    int32_t zoomSetting_ = 0;
 };
 
 } // namespace pulsara

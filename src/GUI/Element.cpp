@@ -84,7 +84,7 @@ int Element::mouseWheel(int32_t, int32_t, int32_t, uint32_t)
 
 void Element::repaintNow(uint32_t mode)
 {
-    if (!isVisible())
+    if (!isShown())
         return;
     RootElement* root = window();
     if (!root)

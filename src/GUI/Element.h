@@ -67,6 +67,8 @@ public:
     uint32_t flags() const { return flags_; }
     bool isDirty() const { return flags_ & kDirty; }
     bool isVisible() const { return flags_ & kVisible; }
+    // Visible, and so are all its containers: what is drawn here reaches the window.
+    bool isShown() const { return isVisible() && (!parent_ || parent_->isShown()); }
     void setVisible(bool);
     Element* parent() const { return parent_; }
     Element* nextSibling() const { return nextSibling_; }

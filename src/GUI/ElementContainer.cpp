@@ -1,5 +1,6 @@
 #include "GUI/ElementContainer.h"
 
+#include <QPainter>
 #include <QRegion>
 
 namespace pulsara {
@@ -43,9 +44,14 @@ int ElementContainer::paintChildren(DeviceContext* dc, uint32_t mode)
         // Nothing painted after this may cover the overlay.
         excludeClip(dc, *overlay_->rect());
     }
+    // A child wholly outside the part being painted has nothing to draw there.
+    const QRect reach = dc && dc->hasClipping() ? dc->clipBoundingRect().toAlignedRect() : QRect();
     for (Element* child = firstChild_; child; child = child->nextSibling()) {
-        if (child != overlay_ && child->isVisible())
-            child->paint(dc, mode);
+        if (child == overlay_ || !child->isVisible())
+            continue;
+        if (!reach.isNull() && !reach.intersects(child->rect()->toQRect()))
+            continue;
+        child->paint(dc, mode);
     }
     return 1;
 }

@@ -35,6 +35,10 @@ public:
     virtual void invalidate(const ElemRect&) = 0;
     // The back buffer already holds fresh pixels there: show them, without a paint message.
     virtual void present(const QRegion&) = 0;
+    // The back buffer's pixels in the area have moved by (dx, dy), as scrolling moves them: the
+    // window moves its own copy the same way, rather than taking all of them again. What comes
+    // into view is presented separately.
+    virtual void scrollContent(const ElemRect& area, int32_t dx, int32_t dy) = 0;
 
     virtual void captureStylus() = 0;
     virtual void releaseStylus() = 0;
@@ -55,6 +59,10 @@ public:
     // templates after "Empty"), or all the items of the sub-menu that `anchorCommand` names
     // (File > Open Recent); each sends its command as a command message.
     virtual void setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>&) = 0;
+    // Draws every pixel of the element tree as `zoom` x `zoom` pixels of the screen (1 to 3), or
+    // at the screen's own scale rounded to a whole number (0), so that every cell of the skin
+    // keeps the same size on screens of any scale.
+    virtual void setZoom(int32_t zoom) = 0;
     // A text box laid over the client area, hidden until shown.
     virtual std::unique_ptr<PlatformTextEdit> createTextEdit() = 0;
 };

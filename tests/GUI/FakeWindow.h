@@ -59,6 +59,10 @@ public:
     QRegion updateRegion() const override { return paintRegion; }
     void invalidate(const ElemRect& rect) override { invalidated.push_back(rect); }
     void present(const QRegion& region) override { presented += region; }
+    void scrollContent(const ElemRect& area, int32_t dx, int32_t dy) override
+    {
+        calls.push_back("scroll " + std::to_string(area.width) + "x" + std::to_string(area.height) + " by " + std::to_string(dx) + "," + std::to_string(dy));
+    }
     void captureStylus() override { capture = true; }
     void releaseStylus() override { capture = false; }
     bool hasStylusCapture() const override { return capture; }
@@ -75,6 +79,7 @@ public:
         return popupChoice;
     }
     void checkMenuItem(uint32_t id, bool checked) override { checkedItems[id] = checked; }
+    void setZoom(int32_t) override { }
     void setMenuItemsAfter(uint32_t anchor, const std::vector<PopupMenuItem>& items) override { menuItemsAfter[anchor] = items; }
     std::unique_ptr<PlatformTextEdit> createTextEdit() override
     {

@@ -75,9 +75,9 @@ void PatternEditor::setCursorNote(Step value)
 
 void PatternEditor::onRowLabelTap(int32_t row)
 {
-    host_.setTopBarMode(EditorHost::kTrackMode);
     int32_t previous = selectedRow_;
     selectedRow_ = row;
+    host_.setTopBarMode(EditorHost::kTrackMode);
     if (previous != row)
         redraw();
     if (onInstrumentSelected)

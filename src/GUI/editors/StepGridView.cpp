@@ -1,10 +1,12 @@
 #include "GUI/editors/StepGridView.h"
 
+#include "GUI/NativeWindow.h"
 #include "GUI/PixelScroll.h"
 #include "GUI/RectPainter.h"
 #include "GUI/RootElement.h"
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "GUI/WindowMessage.h"
 #include "GUI/editors/SongEdits.h"
 #include "base/text.h"
@@ -42,9 +44,7 @@ StepGridView::StepGridView(Skin& skin, SkinSteps& strip, SongEdits& edits)
     , topLeftCorner_(&skin.panelD)
     , bottomLeftCorner_(&skin.panelD)
 {
-    font_.setFamily(QStringLiteral("Liberation Sans"));
-    font_.setPixelSize(11);
-    font_.setBold(true);
+    font_ = uiFont(11, QFont::Bold);
     scrollBar_.setSkin(&skin.panelD, &skin.panel);
     scrollBar_.onScroll = [this](double fraction) { scrollToFraction(fraction); };
     renameBox_.onFinished = [this](bool accepted, const std::u16string& text) {
@@ -183,30 +183,30 @@ void StepGridView::drawCursor(DeviceContext* dc)
     frame.drawInRect(cellRect(cursorColumn_, cursorRow_));
 }
 
+void StepGridView::drawCells(DeviceContext* dc, int32_t fromScreenColumn, int32_t columnCount, int32_t fromScreenRow, int32_t rowCount)
+{
+    const int32_t lastColumn = std::min({ fromScreenColumn + columnCount, visibleColumns_, columns() - firstColumn_ });
+    const int32_t lastRow = std::min({ fromScreenRow + rowCount, visibleRows_, rows() - firstRow_ });
+    for (int32_t r = std::max(0, fromScreenRow); r < lastRow; ++r) {
+        for (int32_t c = std::max(0, fromScreenColumn); c < lastColumn; ++c)
+            drawCell(dc, firstColumn_ + c, firstRow_ + r);
+    }
+}
+
 void StepGridView::drawColumns(DeviceContext* dc, int32_t fromScreenColumn, int32_t count)
 {
-    const int32_t shownRows = std::min(visibleRows_, rows() - firstRow_);
-    for (int32_t c = fromScreenColumn; c < fromScreenColumn + count; ++c) {
-        int32_t column = firstColumn_ + c;
-        if (c < 0 || c >= visibleColumns_ || column >= columns())
-            continue;
-        drawRulerCell(dc, column);
-        for (int32_t r = 0; r < shownRows; ++r)
-            drawCell(dc, column, firstRow_ + r);
-    }
+    const int32_t lastColumn = std::min({ fromScreenColumn + count, visibleColumns_, columns() - firstColumn_ });
+    for (int32_t c = std::max(0, fromScreenColumn); c < lastColumn; ++c)
+        drawRulerCell(dc, firstColumn_ + c);
+    drawCells(dc, fromScreenColumn, count, 0, visibleRows_);
 }
 
 void StepGridView::drawRows(DeviceContext* dc, int32_t fromScreenRow, int32_t count)
 {
-    const int32_t shownColumns = std::min(visibleColumns_, columns() - firstColumn_);
-    for (int32_t r = fromScreenRow; r < fromScreenRow + count; ++r) {
-        int32_t row = firstRow_ + r;
-        if (r < 0 || r >= visibleRows_ || row >= rows())
-            continue;
-        drawLabel(dc, row);
-        for (int32_t c = 0; c < shownColumns; ++c)
-            drawCell(dc, firstColumn_ + c, row);
-    }
+    const int32_t lastRow = std::min({ fromScreenRow + count, visibleRows_, rows() - firstRow_ });
+    for (int32_t r = std::max(0, fromScreenRow); r < lastRow; ++r)
+        drawLabel(dc, firstRow_ + r);
+    drawCells(dc, 0, visibleColumns_, fromScreenRow, count);
 }
 
 void StepGridView::drawMargins(DeviceContext* dc)
@@ -230,8 +230,25 @@ int StepGridView::paint(DeviceContext* dc, uint32_t mode)
     if (drawAll && !rect_.isEmpty()) {
         dc->setFont(font_);
         drawMargins(dc);
-        drawColumns(dc, 0, visibleColumns_);
-        drawRows(dc, 0, visibleRows_);
+        // Only the columns and rows the paint reaches: a small update draws a few cells.
+        QRect area = rect_.toQRect();
+        if (dc->hasClipping())
+            area &= dc->clipBoundingRect().toAlignedRect();
+        const int32_t cellsLeft = rect_.x + labelWidth_;
+        const int32_t fromColumn = std::max(0, (area.left() - cellsLeft) / cellWidth_);
+        const int32_t toColumn = (area.right() - cellsLeft) / cellWidth_ + 1;
+        const int32_t fromRow = std::max(0, (area.top() - rect_.y) / cellHeight_ - 1);
+        const int32_t toRow = (area.bottom() - rect_.y) / cellHeight_;
+        if (area.top() < rect_.y + cellHeight_ && area.right() >= cellsLeft) {
+            for (int32_t c = fromColumn; c < std::min({ toColumn, visibleColumns_, columns() - firstColumn_ }); ++c)
+                drawRulerCell(dc, firstColumn_ + c);
+        }
+        if (area.left() < cellsLeft) {
+            for (int32_t r = fromRow; r < std::min({ toRow, visibleRows_, rows() - firstRow_ }); ++r)
+                drawLabel(dc, firstRow_ + r);
+        }
+        if (area.right() >= cellsLeft)
+            drawCells(dc, fromColumn, toColumn - fromColumn, fromRow, toRow - fromRow);
         drawCursor(dc);
     }
     return paintChildren(dc, drawAll ? kPaintAll : mode);
@@ -240,6 +257,9 @@ int StepGridView::paint(DeviceContext* dc, uint32_t mode)
 template<typename Draw>
 void StepGridView::drawNow(const ElemRect& area, Draw draw)
 {
+    // A page that is not shown keeps its state; it is drawn whole when it comes back.
+    if (!isShown())
+        return;
     RootElement* root = window();
     DeviceContext* dc = root ? root->acquireContext() : nullptr;
     if (!dc) {
@@ -308,7 +328,8 @@ void StepGridView::scroll(int32_t dx, int32_t dy)
         return;
     RootElement* root = window();
     const bool overlaid = root && root->overlay() && !(QRect(rect_.toQRect()) & root->overlay()->rect()->toQRect()).isEmpty();
-    if (std::abs(dx) >= visibleColumns_ || std::abs(dy) >= visibleRows_ - 1 || overlaid || !root || root->backBuffer().isEmpty()) {
+    if (std::abs(dx) >= visibleColumns_ || std::abs(dy) >= visibleRows_ - 1 || overlaid || !root || root->backBuffer().isEmpty()
+        || !isShown()) {
         firstColumn_ = column;
         firstRow_ = row;
         updateScrollBar();
@@ -316,26 +337,48 @@ void StepGridView::scroll(int32_t dx, int32_t dy)
         return;
     }
     const int32_t shownColumns = std::min(visibleColumns_, columns() - firstColumn_);
-    const ElemRect area { rect_.x, rect_.y, labelWidth_ + visibleColumns_ * cellWidth_, (visibleRows_ + 1) * cellHeight_ };
-    drawNow(area, [&](DeviceContext* dc) {
-        // The cursor's frame must not travel with the pixels.
-        if (isCellVisible(cursorColumn_, cursorRow_))
-            drawCell(dc, cursorColumn_, cursorRow_);
-        auto* image = static_cast<QImage*>(dc->device());
-        if (dx != 0) {
-            QRect columnsArea(rect_.x + labelWidth_, rect_.y, shownColumns * cellWidth_, (visibleRows_ + 1) * cellHeight_);
-            scrollPixels(*image, columnsArea, -dx * cellWidth_, 0);
-            firstColumn_ = column;
-            drawColumns(dc, dx > 0 ? shownColumns - dx : 0, std::abs(dx));
-        }
-        if (dy != 0) {
-            QRect rowsArea(rect_.x, rect_.y + cellHeight_, labelWidth_ + shownColumns * cellWidth_, visibleRows_ * cellHeight_);
-            scrollPixels(*image, rowsArea, 0, -dy * cellHeight_);
-            firstRow_ = row;
-            drawRows(dc, dy > 0 ? visibleRows_ - dy : 0, std::abs(dy));
-        }
-        drawCursor(dc);
-    });
+    DeviceContext* dc = root->acquireContext();
+    if (!dc)
+        return;
+    dc->setClipRect(rect_.toQRect());
+    dc->setFont(font_);
+    // The cursor's frame must not travel with the pixels.
+    const bool cursorShown = isCellVisible(cursorColumn_, cursorRow_);
+    ElemRect oldCursor = cellRect(cursorColumn_, cursorRow_);
+    if (cursorShown)
+        drawCell(dc, cursorColumn_, cursorRow_);
+    auto* image = static_cast<QImage*>(dc->device());
+    NativeWindow* native = root->windowHandle();
+    QRegion exposed;
+    if (dx != 0) {
+        QRect columnsArea(rect_.x + labelWidth_, rect_.y, shownColumns * cellWidth_, (visibleRows_ + 1) * cellHeight_);
+        scrollPixels(*image, columnsArea, -dx * cellWidth_, 0);
+        firstColumn_ = column;
+        const int32_t from = dx > 0 ? shownColumns - dx : 0;
+        drawColumns(dc, from, std::abs(dx));
+        exposed += QRect(columnsArea.x() + from * cellWidth_, columnsArea.y(), std::abs(dx) * cellWidth_, columnsArea.height());
+        if (native)
+            native->scrollContent({ columnsArea.x(), columnsArea.y(), columnsArea.width(), columnsArea.height() }, -dx * cellWidth_, 0);
+        oldCursor.x -= dx * cellWidth_;
+    }
+    if (dy != 0) {
+        QRect rowsArea(rect_.x, rect_.y + cellHeight_, labelWidth_ + shownColumns * cellWidth_, visibleRows_ * cellHeight_);
+        scrollPixels(*image, rowsArea, 0, -dy * cellHeight_);
+        firstRow_ = row;
+        const int32_t from = dy > 0 ? visibleRows_ - dy : 0;
+        drawRows(dc, from, std::abs(dy));
+        exposed += QRect(rowsArea.x(), rowsArea.y() + from * cellHeight_, rowsArea.width(), std::abs(dy) * cellHeight_);
+        if (native)
+            native->scrollContent({ rowsArea.x(), rowsArea.y(), rowsArea.width(), rowsArea.height() }, 0, -dy * cellHeight_);
+        oldCursor.y -= dy * cellHeight_;
+    }
+    drawCursor(dc);
+    // The window moved its pixels as the back buffer did; it takes only what changed besides.
+    if (cursorShown)
+        exposed += oldCursor.toQRect();
+    if (isCellVisible(cursorColumn_, cursorRow_))
+        exposed += cellRect(cursorColumn_, cursorRow_).toQRect();
+    root->releaseContext(dc, exposed & QRegion(rect_.toQRect()));
     updateScrollBar();
 }
 

@@ -25,6 +25,8 @@ std::vector<uint8_t> SongWriter::write()
     for (uint32_t pattern = 0; pattern < Song::kPatterns; ++pattern) {
         const StepGrid& grid = song_.player().pattern(pattern);
         for (uint32_t row = 0; row < Song::kInstruments; ++row) {
+            if (!grid.mayHoldNotes(row))
+                continue;
             for (uint32_t step = 0; step < StepGrid::kCellsPerRow; ++step)
                 notes += grid.cell(row, step).isNote() ? 1 : 0;
         }
@@ -91,6 +93,10 @@ void SongWriter::writePattern(uint32_t pattern)
         writeStringItem(kName, player.patternName(pattern));
     for (uint8_t row : song_.instrumentOrder()) {
         writeCode(kPlaylistRow);
+        if (!grid.mayHoldNotes(row)) {
+            writeCode(kEndOfItem);
+            continue;
+        }
         // All 64 cells: notes beyond the current length are kept, as the grid keeps them.
         for (uint32_t step = 0; step < StepGrid::kCellsPerRow; ++step) {
             Step cell = grid.cell(row, step);

@@ -5,6 +5,7 @@
 #include "App/DataFolders.h"
 #include "App/MainWindow.h"
 #include "App/RtMidiPorts.h"
+#include "App/PlainIniFormat.h"
 #include "App/SingleInstance.h"
 #include "App/UserFolders.h"
 #include "App/WindowErrorPresenter.h"
@@ -71,7 +72,7 @@ int runWindow(int argc, char** argv, const std::u16string& songPath)
     WindowErrorPresenter errors;
     const std::u16string songs = samplesFolder();
     installUserFolders(dataFolder(), songs, templatesFolder());
-    QSettings store(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Orvane"), QStringLiteral("Pulsara"));
+    QSettings store(plainIniFormat(), QSettings::UserScope, QStringLiteral("Orvane"), QStringLiteral("Pulsara"));
     SettingsDefaults defaults { withSeparator(dataFolder()), songs + u"/zzzDemo.kqu", songs + u"/Kick1.wav", songs, songPath };
     AppSettings settings = loadSettings(store, defaults);
 

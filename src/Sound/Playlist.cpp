@@ -1,5 +1,7 @@
 #include "Sound/Playlist.h"
 
+#include <algorithm>
+
 namespace pulsara {
 
 Playlist::Playlist(uint32_t rows, uint32_t columns)
@@ -63,9 +65,17 @@ void Playlist::copyFrom(const Playlist& other)
 
 void Playlist::clear()
 {
-    for (std::size_t i = 0; i < static_cast<std::size_t>(rows_) * columns_; ++i)
-        cells_[i].store(0, std::memory_order_relaxed);
+    uint32_t used = usedColumns();
+    for (uint32_t row = 0; row < rows_; ++row) {
+        for (uint32_t column = 0; column < used; ++column)
+            cells_[static_cast<std::size_t>(row) * columns_ + column].store(0, std::memory_order_relaxed);
+    }
     lastUsedPosition_.store(0, std::memory_order_relaxed);
+}
+
+uint32_t Playlist::usedColumns() const
+{
+    return std::min<uint32_t>(static_cast<uint32_t>(lastUsedPosition()) + 1, columns_);
 }
 
 bool Playlist::isEmpty() const

@@ -25,6 +25,8 @@ public:
     uint32_t columns() const { return columns_; }
     // The highest column with any cell on; 0 when the playlist is empty.
     int32_t lastUsedPosition() const { return lastUsedPosition_.load(std::memory_order_relaxed); }
+    // The columns up to the last used position: nothing is placed beyond them.
+    uint32_t usedColumns() const;
     bool isEmpty() const;
 
 private:

@@ -22,15 +22,21 @@ std::vector<uint8_t> SongWriter::write()
     // A large song is megabytes of notes: room for all of them at once spares the copies and
     // page faults of a buffer that grows as it goes.
     size_t notes = 0;
+    size_t placed = 0;
+    const Playlist& playlist = song_.player().playlist();
     for (uint32_t pattern = 0; pattern < Song::kPatterns; ++pattern) {
+        for (uint32_t column = 0; column < playlist.usedColumns(); ++column)
+            placed += playlist.isOn(pattern, column) ? 1 : 0;
         const StepGrid& grid = song_.player().pattern(pattern);
         for (uint32_t row = 0; row < Song::kInstruments; ++row) {
+            if (!grid.mayHoldNotes(row))
+                continue;
             for (uint32_t step = 0; step < StepGrid::kCellsPerRow; ++step)
                 notes += grid.cell(row, step).isNote() ? 1 : 0;
         }
     }
     bytes_.clear();
-    bytes_.reserve(kBytesPerNote * notes + kBytesBesideNotes);
+    bytes_.reserve(kBytesPerNote * notes + kBytesPerPlacement * placed + kBytesBesideNotes);
     bytes_.assign(std::begin(kMagic), std::end(kMagic));
     const SongPlayer& player = song_.player();
     writeNumberItem(kVolume, player.volume());
@@ -75,7 +81,7 @@ void SongWriter::writePlaylistRow(uint32_t pattern)
 {
     const Playlist& playlist = song_.player().playlist();
     writeCode(kPlaylistRow);
-    for (uint32_t column = 0; column < playlist.columns(); ++column) {
+    for (uint32_t column = 0; column < playlist.usedColumns(); ++column) {
         if (playlist.isOn(pattern, column))
             writeIntegerItem(kStep, static_cast<int32_t>(column));
     }
@@ -91,6 +97,10 @@ void SongWriter::writePattern(uint32_t pattern)
         writeStringItem(kName, player.patternName(pattern));
     for (uint8_t row : song_.instrumentOrder()) {
         writeCode(kPlaylistRow);
+        if (!grid.mayHoldNotes(row)) {
+            writeCode(kEndOfItem);
+            continue;
+        }
         // All 64 cells: notes beyond the current length are kept, as the grid keeps them.
         for (uint32_t step = 0; step < StepGrid::kCellsPerRow; ++step) {
             Step cell = grid.cell(row, step);

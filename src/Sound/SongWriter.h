@@ -24,8 +24,10 @@ public:
 private:
     // A note's item: its code and index, rate and volume as doubles, parameter, end.
     static constexpr size_t kBytesPerNote = 36;
-    // Enough for the rest of a full song: instruments, playlist, names, views.
-    static constexpr size_t kBytesBesideNotes = 128 * 1024;
+    // A pattern placed in the playlist: its code, the position as a long, end.
+    static constexpr size_t kBytesPerPlacement = 7;
+    // Enough for the rest of a full song: instruments, names, views.
+    static constexpr size_t kBytesBesideNotes = 32 * 1024;
 
     void writeInstrument(const Instrument&);
     void writePlaylistRow(uint32_t pattern);

@@ -14,12 +14,27 @@ const AtomicStep* StepGrid::find(uint32_t row, uint32_t step) const
     return &cells_[static_cast<std::size_t>(row) * kCellsPerRow + step];
 }
 
+namespace {
+
+constexpr uint32_t kTrackedRows = 64;
+
+} // namespace
+
 void StepGrid::clear()
 {
+    // Taken before the cells are emptied: a note written meanwhile marks its row again.
+    uint64_t used = rowsWithNotes_.exchange(0, std::memory_order_relaxed);
     for (uint32_t row = rows_; row-- > 0;) {
+        if (row < kTrackedRows && !(used >> row & 1))
+            continue;
         for (uint32_t step = kCellsPerRow; step-- > 0;)
-            setNote(row, step, 0.0f);
+            setCell(row, step, kEmptyStep);
     }
+}
+
+bool StepGrid::mayHoldNotes(uint32_t row) const
+{
+    return row >= kTrackedRows || (rowsWithNotes_.load(std::memory_order_relaxed) >> row & 1);
 }
 
 void StepGrid::copyFrom(const StepGrid& other)
@@ -39,6 +54,7 @@ void StepGrid::resize(uint32_t rows, uint32_t length)
         // Fresh cells start empty, which is what clearing would make of them.
         cells_ = std::make_unique<AtomicStep[]>(static_cast<std::size_t>(rows) * kCellsPerRow);
         rows_ = rows;
+        rowsWithNotes_.store(0, std::memory_order_relaxed);
     }
     setLength(length);
 }
@@ -61,8 +77,12 @@ Step StepGrid::cell(uint32_t row, uint32_t step) const
 
 void StepGrid::setCell(uint32_t row, uint32_t step, Step value)
 {
-    if (const AtomicStep* found = find(row, step))
-        const_cast<AtomicStep*>(found)->store(value);
+    const AtomicStep* found = find(row, step);
+    if (!found)
+        return;
+    if (value.isNote() && row < kTrackedRows && !mayHoldNotes(row))
+        rowsWithNotes_.fetch_or(uint64_t { 1 } << row, std::memory_order_relaxed);
+    const_cast<AtomicStep*>(found)->store(value);
 }
 
 bool StepGrid::isNote(uint32_t row, uint32_t step) const

@@ -30,6 +30,9 @@ public:
     Step cell(uint32_t row, uint32_t step) const;
     void setCell(uint32_t row, uint32_t step, Step);
     bool isNote(uint32_t row, uint32_t step) const;
+    // False only for a row that has held no note since the grid was last cleared: clearing and
+    // saving pass over those, so emptying or writing a sparse song visits few of its cells.
+    bool mayHoldNotes(uint32_t row) const;
 
     uint32_t rows() const { return rows_; }
     uint32_t length() const { return length_.load(std::memory_order_relaxed); }
@@ -41,6 +44,9 @@ private:
     uint32_t rows_ = 0;
     std::atomic<uint32_t> length_ { 16 }; // read by the audio thread
     std::unique_ptr<AtomicStep[]> cells_; // rows x 64, row-major
+    // One bit per row (rows from 64 on always count as used). Atomic because the audio thread
+    // writes the grid it plays.
+    std::atomic<uint64_t> rowsWithNotes_ { 0 };
 };
 
 } // namespace pulsara

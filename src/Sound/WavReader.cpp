@@ -59,7 +59,7 @@ uint32_t readLe32(const uint8_t* bytes)
         | (static_cast<uint32_t>(bytes[2]) << 16) | (static_cast<uint32_t>(bytes[3]) << 24);
 }
 
-bool readTag(InputFile& file, const char* tag)
+bool readTag(ByteSource& file, const char* tag)
 {
     char bytes[4] {};
     return file.read(bytes, 4) == 4 && std::memcmp(bytes, tag, 4) == 0;
@@ -83,21 +83,39 @@ int WavReader::load(std::u16string_view path)
 {
     // The text may be a view of the sample's own path, which a failure clears.
     std::u16string pathText(path);
-    errorContext().function = pathText;
-
-    // The old sound goes first; the playback position is the audio thread's, which starts any
-    // note on the new data from its beginning.
-    sample_.publish(nullptr);
-    const AudioFormat* format = sample_.format_;
-    if (!format) {
-        reportError(&errorContext(), kFatal, kSource, kNoFormatLine, u"No output format specified");
+    if (!begin(pathText))
         return 0;
-    }
-
     InputFile file(nativePath(pathText));
     if (!file.isOpen())
         return fail(kCantOpenLine, u"can't open wave file");
-    keepPath(pathText);
+    return read(file, pathText);
+}
+
+int WavReader::load(ByteSource& source, std::u16string_view path)
+{
+    std::u16string pathText(path);
+    if (!begin(pathText))
+        return 0;
+    return read(source, pathText);
+}
+
+bool WavReader::begin(const std::u16string& path)
+{
+    errorContext().function = path;
+    // The old sound goes first; the playback position is the audio thread's, which starts any
+    // note on the new data from its beginning.
+    sample_.publish(nullptr);
+    if (!sample_.format_) {
+        reportError(&errorContext(), kFatal, kSource, kNoFormatLine, u"No output format specified");
+        return false;
+    }
+    return true;
+}
+
+int WavReader::read(ByteSource& file, const std::u16string& path)
+{
+    const AudioFormat* format = sample_.format_;
+    keepPath(path);
 
     if (!readTag(file, "RIFF"))
         return fail(kMissingRiffLine, u"Missing RIFF: Can't read WAV file.");
@@ -143,7 +161,7 @@ int WavReader::load(std::u16string_view path)
     return loadConverted(file, dataSize, channels, rate, bits);
 }
 
-int WavReader::loadDirect(InputFile& file, uint32_t dataSize, uint32_t channels)
+int WavReader::loadDirect(ByteSource& file, uint32_t dataSize, uint32_t channels)
 {
     uint32_t length = dataSize / 4 / channels;
     std::size_t floats = static_cast<std::size_t>(length) * channels;
@@ -161,7 +179,7 @@ int WavReader::loadDirect(InputFile& file, uint32_t dataSize, uint32_t channels)
     return 1;
 }
 
-int WavReader::loadConverted(InputFile& file, uint32_t dataSize, uint32_t channels, uint32_t rate, uint32_t bits)
+int WavReader::loadConverted(ByteSource& file, uint32_t dataSize, uint32_t channels, uint32_t rate, uint32_t bits)
 {
     const AudioFormat& format = *sample_.format_;
     double ratio = static_cast<double>(format.sampleRate) / rate;

@@ -1,6 +1,7 @@
 // The settings file: defaults, odd values, the length limit, the command line's song, the
 // round trip, and the Settings dialog.
 #include "App/AppSettings.h"
+#include "App/PlainIniFormat.h"
 #include "App/SettingsDialog.h"
 
 #include "GUI/QtTestApplication.h"
@@ -24,7 +25,7 @@ const SettingsDefaults kDefaults { u"/data/", u"/docs/Pulsara/zzzDemo.kqu", u"/d
 AppSettings loadFrom(const ScratchFolder& folder, const std::string& text, SettingsDefaults defaults = kDefaults)
 {
     folder.write("Pulsara.ini", std::vector<uint8_t>(text.begin(), text.end()));
-    QSettings file(QString::fromStdString((folder.path() / "Pulsara.ini").string()), QSettings::IniFormat);
+    QSettings file(QString::fromStdString((folder.path() / "Pulsara.ini").string()), plainIniFormat());
     return loadSettings(file, defaults);
 }
 
@@ -74,22 +75,52 @@ TEST(AppSettings, WriteBackWhatTheyRead)
     rememberRecentSong(odd, u"/a.kqu");
     rememberRecentSong(odd, u"/b.kqu");
     rememberRecentSong(odd, u"/a.kqu");
-    for (int song = 0; song < 10; ++song)
+    for (int song = 0; song < 4; ++song)
         rememberRecentSong(odd, fromUtf8("/n" + std::to_string(song) + ".kqu"));
+    // Names the file's syntax gives a meaning to.
+    for (std::u16string_view name : { u"@Variant(x).kqu", u" /a, b; c .kqu", u"/q\"u\\o\nte.kqu", u"/\u00e9t\u00e9.kqu" })
+        rememberRecentSong(odd, name);
     EXPECT_EQ(odd.recentSongs.size(), AppSettings::kRecentSongs);
-    EXPECT_EQ(odd.recentSongs.front(), u"/n9.kqu");
+    EXPECT_EQ(odd.recentSongs.front(), u"/\u00e9t\u00e9.kqu");
     {
-        QSettings file(QString::fromStdString((folder.path() / "Pulsara.ini").string()), QSettings::IniFormat);
+        QSettings file(QString::fromStdString((folder.path() / "Pulsara.ini").string()), plainIniFormat());
         ASSERT_TRUE(saveSettings(file, odd));
         EXPECT_EQ(file.value("Stereo").toInt(), 1) << "stereo is saved back as 1";
     }
-    QSettings again(QString::fromStdString((folder.path() / "Pulsara.ini").string()), QSettings::IniFormat);
+    QSettings again(QString::fromStdString((folder.path() / "Pulsara.ini").string()), plainIniFormat());
     AppSettings reread = loadSettings(again, kDefaults);
     EXPECT_EQ(reread.sampleRate, 22050u);
     EXPECT_EQ(reread.bufferLength, AppSettings::kMaxLatencyMs);
     EXPECT_EQ(reread.recentSongs, odd.recentSongs);
     EXPECT_EQ(reread.midiMode, 1u);
     EXPECT_EQ(reread.midiIn, u"Pad");
+}
+
+TEST(AppSettings, ReadWhatQtWritesAndPassOverStoredObjects)
+{
+    ScratchFolder folder;
+    const QString path = QString::fromStdString((folder.path() / "Qt.ini").string());
+    const QStringList recent { QStringLiteral("/a, b.kqu"), QStringLiteral("@c.kqu"), QStringLiteral("/\u00e9.kqu") };
+    {
+        QSettings qt(path, QSettings::IniFormat);
+        qt.setValue("RecentSongs", recent);
+        qt.setValue("SmpFreq", 48000);
+        qt.setValue("Skin", QStringLiteral("Dark Blue"));
+    }
+    QSettings plain(path, plainIniFormat());
+    AppSettings read = loadSettings(plain, kDefaults);
+    EXPECT_EQ(read.sampleRate, 48000u);
+    EXPECT_EQ(read.skinName, u"Dark Blue");
+    ASSERT_EQ(read.recentSongs.size(), 3u);
+    for (int song = 0; song < 3; ++song)
+        EXPECT_EQ(read.recentSongs[size_t(song)], recent[song].toStdU16String());
+
+    // A list that claims two thousand million entries, and a picture: neither is decoded.
+    AppSettings stored = loadFrom(folder, std::string("[General]\nRecentSongs=@Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff)\n")
+            + "Skin=@Variant(\\0\\0\\0\\x46)\nSmpFreq=@Invalid()\n");
+    EXPECT_TRUE(stored.recentSongs.empty());
+    EXPECT_EQ(stored.skinName, u"Default");
+    EXPECT_EQ(stored.sampleRate, 44100u);
 }
 
 TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)

@@ -1,5 +1,6 @@
 #include "Sound/WavReader.h"
 
+#include "Sound/MemorySource.h"
 #include "Sound/Sample.h"
 #include "support/ReportRecorder.h"
 #include "support/ScratchFolder.h"
@@ -24,15 +25,21 @@ namespace {
 constexpr float kMin = -1.000030517578125f;
 constexpr float kMax8 = 0.9922177791595459f;
 
+// Every case is read from a file and from memory, which must not differ in anything.
+enum class From { File, Memory };
+
 class WavReaderTest : public testing::Test {
 protected:
-    // Loads the bytes from a file into an empty `sample` for the given output format.
-    int load(const std::vector<uint8_t>& bytes, uint32_t rate = 44100, uint8_t channels = 1)
+    // Loads the bytes into an empty `sample` for the given output format.
+    int load(const std::vector<uint8_t>& bytes, uint32_t rate = 44100, uint8_t channels = 1, From from = From::File)
     {
         sample.unload(); // else the new format would reload the file of the last case
         format = AudioFormat { rate, 32, channels };
         sample.setFormat(&format);
-        return sample.load(folder.write("sample.wav", bytes));
+        if (from == From::File)
+            return sample.load(folder.write("sample.wav", bytes));
+        MemorySource source(bytes);
+        return WavReader(sample).load(source, u"sample.wav");
     }
 
     std::vector<float> frames() const
@@ -103,13 +110,15 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
             { 0, 0, kMin / 2, kMin / 2, kMin, kMin, kMin / 2, kMin / 2, 0, 0, kMax8 / 2, kMax8 / 2, kMax8, kMax8,
                 kMax8 / 2, kMax8 / 2, 0, 0 } },
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.what);
-        EXPECT_EQ(load(test.bytes, test.rate, test.channels), test.result);
-        EXPECT_TRUE(sample.isLoaded());
-        EXPECT_EQ(sample.channels(), test.channels);
-        EXPECT_EQ(sample.sourceBits(), test.sourceBits);
-        EXPECT_EQ(frames(), test.expected);
+    for (From from : { From::File, From::Memory }) {
+        for (const auto& test : cases) {
+            SCOPED_TRACE(test.what);
+            EXPECT_EQ(load(test.bytes, test.rate, test.channels, from), test.result);
+            EXPECT_TRUE(sample.isLoaded());
+            EXPECT_EQ(sample.channels(), test.channels);
+            EXPECT_EQ(sample.sourceBits(), test.sourceBits);
+            EXPECT_EQ(frames(), test.expected);
+        }
     }
     EXPECT_TRUE(reports.reports().empty());
     EXPECT_EQ(sample.sourceRate(), 22050u);
@@ -153,11 +162,13 @@ TEST_F(WavReaderTest, RefusesWhatItCannotRead)
         { "rate 0", makeWav(1, 0, 8, std::vector<uint8_t>(10000, 128)), 14, memory, 1, "mem" },
         { "rate 1", makeWav(1, 1, 8, std::vector<uint8_t>(10000, 128)), 14, memory, 1, "mem" },
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.what);
-        reports.clear();
-        EXPECT_EQ(load(test.bytes, 44100, test.outputChannels), 0);
-        expectRefused(test.source, test.line, test.message);
+    for (From from : { From::File, From::Memory }) {
+        for (const auto& test : cases) {
+            SCOPED_TRACE(test.what);
+            reports.clear();
+            EXPECT_EQ(load(test.bytes, 44100, test.outputChannels, from), 0);
+            expectRefused(test.source, test.line, test.message);
+        }
     }
 }
 

@@ -2,7 +2,7 @@
 PRESET ?= default
 BUILD_DIR := build
 
-.PHONY: run test build deps clean
+.PHONY: run test build deps clean package
 
 run: build
 	@bash scripts/run.sh $(BUILD_DIR)
@@ -13,6 +13,10 @@ test: build
 build: deps
 	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET)
+
+# A Debian package of the program, its data, manual, menu entry, icon and song types.
+package: build
+	cd $(BUILD_DIR) && cpack -G DEB
 
 deps:
 	@bash scripts/install-deps.sh

@@ -6,13 +6,14 @@ set -euo pipefail
 packages=(
     g++ cmake ninja-build pkg-config
     qt6-base-dev libgl-dev
-    librtaudio-dev libasound2-dev
+    librtaudio-dev librtmidi-dev libasound2-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev
     fonts-liberation2
     pulseaudio pulseaudio-utils
     sox
     xvfb xdotool imagemagick python3
+    dpkg-dev
     desktop-file-utils shared-mime-info
 )
 

@@ -63,6 +63,10 @@ AppSettings loadSettings(QSettings& settings, const SettingsDefaults& defaults)
     loaded.skinName = readText(settings, "Skin", AppSettings::kMaxSkinNameLength).value_or(u"Default");
     if (loaded.skinName.empty())
         loaded.skinName = u"Default";
+    loaded.device = readText(settings, "Device", AppSettings::kMaxPathLength).value_or(u"");
+    loaded.midiIn = readText(settings, "MidiIn", AppSettings::kMaxPathLength).value_or(u"");
+    loaded.midiMode = readText(settings, "MidiMode", AppSettings::kMaxPathLength).value_or(u"") == u"Chromatic" ? 1 : 0;
+    loaded.zoom = std::min<uint32_t>(readNumber(settings, "Zoom").value_or(0), 3);
     for (const QString& path : settings.value(QStringLiteral("RecentSongs")).toStringList()) {
         if (loaded.recentSongs.size() < AppSettings::kRecentSongs && !path.isEmpty())
             loaded.recentSongs.push_back(path.toStdU16String());
@@ -83,6 +87,10 @@ bool saveSettings(QSettings& settings, const AppSettings& values)
     settings.setValue(QStringLiteral("LastSmp"), toQString(values.lastSample));
     settings.setValue(QStringLiteral("SamplesDir"), toQString(values.samplesDir));
     settings.setValue(QStringLiteral("Skin"), toQString(values.skinName));
+    settings.setValue(QStringLiteral("Device"), toQString(values.device));
+    settings.setValue(QStringLiteral("MidiIn"), toQString(values.midiIn));
+    settings.setValue(QStringLiteral("Zoom"), values.zoom);
+    settings.setValue(QStringLiteral("MidiMode"), values.midiMode == 1 ? QStringLiteral("Chromatic") : QStringLiteral("Drums"));
     QStringList recent;
     for (const std::u16string& path : values.recentSongs)
         recent << toQString(path);

@@ -32,6 +32,15 @@ struct AppSettings {
     std::u16string lastSample;
     std::u16string samplesDir;
     std::u16string skinName = u"Default";
+    // Not among the program's first settings: the sound output by name, empty for the default.
+    std::u16string device;
+    // The MIDI input by name (empty: every input; "None": none), and whether its notes play
+    // tracks as drums (0) or the chosen instrument at their pitch (1).
+    std::u16string midiIn;
+    uint32_t midiMode = 0;
+    // Screen pixels per pixel of the skin: 1 to 3, or 0 for the screen's own scale rounded to a
+    // whole number.
+    uint32_t zoom = 0;
     // Not among the program's first settings: File > Open Recent, newest first.
     std::vector<std::u16string> recentSongs;
 };

@@ -2,12 +2,15 @@
 
 #include "App/AboutBox.h"
 #include "App/DataFolders.h"
+#include "App/DroppedFiles.h"
 #include "App/ExportProgress.h"
 #include "App/HelpLauncher.h"
+#include "base/QuietReports.h"
 #include "App/SettingsDialog.h"
 #include "GUI/NativeWindow.h"
 #include "GUI/Prompts.h"
 #include "GUI/Skin.h"
+#include "GUI/UiFont.h"
 #include "GUI/WindowMessage.h"
 #include "base/Path.h"
 #include "base/text.h"
@@ -29,14 +32,6 @@ constexpr int32_t kValueTipWidth = 96;
 constexpr int32_t kDisplayInset = 4;
 constexpr uint32_t kAllScopes = 0xFFFFFFFF;
 
-QFont shellFont(int pixels, bool bold)
-{
-    QFont font(QStringLiteral("Liberation Sans"));
-    font.setPixelSize(pixels);
-    font.setBold(bold);
-    return font;
-}
-
 std::u16string number(int64_t value)
 {
     return fromUtf8(std::to_string(value));
@@ -50,8 +45,10 @@ std::u16string twoDigits(uint32_t value)
 
 } // namespace
 
-Application::Application(Skin& skin, WaveDevice& device)
+Application::Application(Skin& skin, WaveDevice& device, MidiPorts* midiPorts)
     : skin_(skin)
+    , device_(device)
+    , midiPorts_(midiPorts)
     , song_(AudioFormat { 44100, 32, 1 })
     , edits_(song_)
     , transport_(device, song_)
@@ -61,6 +58,8 @@ Application::Application(Skin& skin, WaveDevice& device)
     , topBar_(skin)
     , livePanels_ { LiveRow(skin, song_, 0, kLiveKeysFirstRow), LiveRow(skin, song_, kFirstTrackOfSecondRow, kLiveKeysSecondRow) }
 {
+    if (midiPorts_)
+        midi_ = std::make_unique<MidiInput>(*midiPorts_, song_.player());
 }
 
 Application::~Application()
@@ -80,7 +79,7 @@ void Application::initialise(int latencyMs)
 void Application::initialise(const AppSettings& settings)
 {
     settings_ = settings;
-    const QFont displayFont = shellFont(15, true);
+    const QFont displayFont = uiFont(15, QFont::Bold);
     const QColor displayColour(0x2e, 0xc4, 0xb6);
     counterDisplay_.setFrame(&skin_.panelD);
     counterDisplay_.setFont(displayFont);
@@ -94,7 +93,7 @@ void Application::initialise(const AppSettings& settings)
     for (int32_t page = 0; page < 2; ++page) {
         TextButton& button = pageButton(page);
         button.setSkin(&skin_.panelBckD, &skin_.panelD);
-        button.setFont(shellFont(13, true));
+        button.setFont(uiFont(13, QFont::Bold));
         button.onClick = [this, page] { showPage(page); };
     }
     pageButton0_.setPressed(true);
@@ -125,7 +124,7 @@ void Application::initialise(const AppSettings& settings)
     }
 
     valueTip_.setFrame(&skin_.panelD);
-    valueTipText_.setFont(shellFont(13, true));
+    valueTipText_.setFont(uiFont(13, QFont::Bold));
     valueTipText_.setColor(displayColour);
     valueTip_.addChild(&valueTipText_);
     valueTip_.setVisible(false);
@@ -156,7 +155,9 @@ void Application::initialise(const AppSettings& settings)
     document_.setFlags((document_.flags() & ~SongDocument::kReleaseDeviceFlag) | release);
     transport_.setDrainsInBackground(true);
     transport_.setDocumentFlags(document_.flags());
+    device_.chooseOutput(toUtf8(settings.device));
     transport_.open(settings.bufferLength);
+    applyMidiSettings(settings);
     transport_.setMeterListener(this);
     document_.setFolders(samplesFolder(), templatesFolder(), settings.samplesDir.empty() ? samplesFolder() : settings.samplesDir);
     document_.setLastSample(settings.lastSample);
@@ -192,7 +193,7 @@ void Application::openFirstSong()
 void Application::runSettingsDialog()
 {
     AppSettings settings = currentSettings();
-    SettingsDialog dialog(settings, QApplication::activeWindow());
+    SettingsDialog dialog(settings, device_.outputNames(), midiPorts_ ? midiPorts_->names() : std::vector<std::string>(), QApplication::activeWindow());
     // The latency takes effect as soon as it is chosen; the stream restarts with it if running.
     dialog.onLatency = [this](int milliseconds) { transport_.setLatency(milliseconds); };
     dialog.exec();
@@ -202,8 +203,33 @@ void Application::runSettingsDialog()
     document_.setFlags((document_.flags() & ~SongDocument::kReleaseDeviceFlag) | release);
     transport_.setDocumentFlags(document_.flags());
     const AudioFormat format { settings.sampleRate, 32, settings.channels };
+    if (settings.device != settings_.device) {
+        settings_.device = settings.device;
+        device_.chooseOutput(toUtf8(settings.device));
+        // A running stream moves to the new output.
+        if (transport_.isRunning()) {
+            transport_.WaveOutStream::stop();
+            transport_.start();
+        }
+    }
     if (format.sampleRate != song_.format().sampleRate || format.channels != song_.format().channels)
         transport_.changeFormat(format);
+    applyMidiSettings(settings);
+    if (settings.zoom != settings_.zoom) {
+        settings_.zoom = settings.zoom;
+        if (NativeWindow* window = windowHandle())
+            window->setZoom(int32_t(settings.zoom));
+    }
+}
+
+void Application::applyMidiSettings(const AppSettings& settings)
+{
+    settings_.midiIn = settings.midiIn;
+    settings_.midiMode = settings.midiMode;
+    if (!midi_)
+        return;
+    midi_->setMode(settings.midiMode == 1 ? MidiNoteMap::Mode::Chromatic : MidiNoteMap::Mode::Drums);
+    midi_->setInput(toUtf8(settings.midiIn));
 }
 
 void Application::rememberSong(std::u16string_view path)
@@ -459,6 +485,43 @@ void Application::setPlaying(bool on)
     playButton_.setPressed(transport_.isPlaying());
 }
 
+void Application::dropFiles(const std::vector<std::u16string>& paths, int32_t x, int32_t y)
+{
+    DroppedFiles dropped = DroppedFiles::sort(paths);
+    if (!dropped.refused.empty()) {
+        prompts().ask(dropped.refusal(), u"Pulsara", PromptButtons::Ok);
+        return;
+    }
+    if (!dropped.songs.empty()) {
+        if (document_.askSaveChanges(u"Open Song"))
+            return;
+        document_.setDirty(false);
+        loadSongFile(dropped.songs.front());
+        return;
+    }
+    PatternEditor& grid = mainEditor_.patternPage().editor();
+    if (dropped.samples.empty() || mainEditor_.page() != 0 || !grid.rect()->contains(x, y))
+        return;
+    // On a label: that row's instrument. On the cells: the chosen row's, then the empty ones.
+    const int32_t labelRow = grid.labelRowAt(x, y);
+    const int32_t firstRow = labelRow >= 0 ? labelRow : std::max(0, grid.selectedRow());
+    std::vector<uint32_t> targets;
+    for (int32_t row = firstRow; row < grid.rows() && targets.size() < dropped.samples.size(); ++row) {
+        const uint32_t slot = grid.trackOfRow(row);
+        if (row == firstRow || !song_.instrument(slot).sample().isLoaded())
+            targets.push_back(slot);
+        if (labelRow >= 0)
+            break;
+    }
+    loadSampleSafely([&] {
+        edits_.beginGesture(targets.size() > 1 ? u"Open samples" : u"Open sample");
+        for (size_t index = 0; index < targets.size(); ++index)
+            edits_.loadSample(targets[index], dropped.samples[index]);
+        edits_.endGesture();
+    });
+    mainEditor_.refresh(kScopeInstruments);
+}
+
 void Application::moveToSongPosition(int32_t position)
 {
     transport_.moveToSongPosition(position);
@@ -485,6 +548,31 @@ void Application::loadSampleSafely(const std::function<void()>& load)
     load();
     if (restart)
         transport_.start();
+}
+
+void Application::audition(std::u16string_view path)
+{
+    SongPlayer& player = song_.player();
+    player.stopAudition();
+    if (path.empty()) {
+        if (startedForAudition_ && !transport_.isPlaying() && !liveact_)
+            transport_.stopPlaying();
+        startedForAudition_ = false;
+        return;
+    }
+    {
+        // A file that is no WAV is simply not heard while browsing; no box interrupts.
+        QuietReports quiet;
+        player.audition().load(path);
+    }
+    if (!player.audition().isLoaded())
+        return;
+    if (!transport_.isRunning()) {
+        if (!transport_.start())
+            return;
+        startedForAudition_ = true;
+    }
+    player.playAudition();
 }
 
 void Application::followPlayback()
@@ -515,6 +603,19 @@ void Application::followPlayback()
         drainingSince_ = 0;
     }
     song_.reclaimSamples();
+    if (midi_) {
+        // Inputs come and go; a look once a second picks them up.
+        if (++followTicks_ % kMidiLookTicks == 0)
+            midi_->refresh();
+        PatternEditor& editor = mainEditor_.patternPage().editor();
+        midi_->setChosenTrack(int32_t(editor.trackOfRow(std::max(0, editor.selectedRow()))));
+        // A note played with the stream stopped waits for it in the live path.
+        if (midi_->takePlayed() && !transport_.isRunning())
+            transport_.start();
+    }
+    if (device_.takeFallbackNotice())
+        prompts().ask(u"The sound device \"" + settings_.device + u"\" is not there; Pulsara plays on the system's default device.",
+            u"Pulsara", PromptButtons::Ok);
     for (LiveRow& row : livePanels_)
         row.tick(now);
 }
@@ -588,6 +689,8 @@ intptr_t Application::onCreate(NativeWindow* window)
 {
     intptr_t result = RootElement::onCreate(window);
     checkMenuItem(kLiveactCommand, liveact_);
+    if (window && settings_.zoom != 0)
+        window->setZoom(int32_t(settings_.zoom));
     document_.updateTitle();
     document_.buildTemplatesMenu();
     updateRecentMenu();
@@ -627,6 +730,10 @@ intptr_t Application::handleMessage(uint32_t message, uintptr_t wParam, intptr_t
         return 0;
     case kMessageClose:
         document_.exitApp();
+        return 0;
+    case kMessageDropFiles:
+        if (wParam)
+            dropFiles(*reinterpret_cast<const std::vector<std::u16string>*>(wParam), positionX(lParam), positionY(lParam));
         return 0;
     case kMessageUser:
         // Another start of the program opens a song: this one closes, unless the user keeps it.

@@ -2,6 +2,7 @@
 
 #include "App/AppSettings.h"
 #include "App/Autosave.h"
+#include "App/MidiInput.h"
 #include "App/PairDisplay.h"
 #include "App/SongDocument.h"
 #include "App/TopBar.h"
@@ -49,6 +50,8 @@ public:
     static constexpr uint32_t kFollowPeriodMs = 10;
     // The longest the device may take to play out what it holds after playing stops.
     static constexpr uint32_t kDrainLimitMs = 3000;
+    // Follow ticks between two looks for MIDI inputs that came or went: a second.
+    static constexpr uint32_t kMidiLookTicks = 100;
 
     enum Command : uint16_t {
         kExitCommand = 40002,
@@ -69,8 +72,9 @@ public:
         kFirstRecentCommand = 40400,
     };
 
-    // The device is not owned; it plays what the transport renders.
-    Application(Skin&, WaveDevice&);
+    // The device is not owned; it plays what the transport renders. The MIDI inputs, when
+    // given, play live notes (not owned).
+    Application(Skin&, WaveDevice&, MidiPorts* = nullptr);
     ~Application() override;
 
     // Everything that needs no window: the controls' skins, the tree, the song set up as the
@@ -101,6 +105,11 @@ public:
     void showPage(int32_t page);
     // Starts or stops playing, as the play button does.
     void setPlaying(bool);
+    // Files dropped on the window at (x, y): a song opens (after the save-changes question);
+    // WAV files go into the instrument of the row label they are dropped on, or, dropped on the
+    // grid, into the chosen instrument and the next empty ones, as one undo step; anything else
+    // is refused with a message and changes nothing.
+    void dropFiles(const std::vector<std::u16string>&, int32_t x, int32_t y);
 
     uint32_t documentFlags() const { return document_.flags(); }
     bool isLiveact() const { return liveact_; }
@@ -122,6 +131,7 @@ public:
     PairDisplay& pairDisplay() { return pairDisplay_; }
     LiveRow& livePanel(int32_t row) { return livePanels_[row == 1 ? 1 : 0]; }
     PatternLengthPanel& songProperties() { return songProperties_; }
+    MidiInput* midiInput() { return midi_.get(); }
 
     // EditorHost
     void setTopBarMode(int32_t) override;
@@ -131,6 +141,7 @@ public:
     void setFocusedEditor(uint16_t editor) override { focusedEditor_ = editor; }
     bool isLiveMode() const override { return liveact_; }
     void loadSampleSafely(const std::function<void()>& load) override;
+    void audition(std::u16string_view path) override;
 
     // The displays and the rulers' play markers follow playback; the timer calls it.
     void followPlayback();
@@ -156,6 +167,7 @@ private:
     };
 
     void runSettingsDialog();
+    void applyMidiSettings(const AppSettings&);
     void openRecentSong(uint32_t index);
     void updateRecentMenu();
 
@@ -200,6 +212,8 @@ private:
     void checkMenuItem(uint32_t command, bool checked);
 
     Skin& skin_;
+    WaveDevice& device_;
+    MidiPorts* midiPorts_;
     Song song_;
     SongEdits edits_;
     Transport transport_;
@@ -225,6 +239,10 @@ private:
     FollowTimer followTimer_ { *this };
     AutosaveTimer autosaveTimer_ { *this };
     AppSettings settings_;
+    std::unique_ptr<MidiInput> midi_;
+    uint32_t followTicks_ = 0;
+    // The stream was started to hear a sample, and stops with it.
+    bool startedForAudition_ = false;
 };
 
 } // namespace pulsara

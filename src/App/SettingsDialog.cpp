@@ -25,9 +25,14 @@ QString milliseconds(int value)
 
 } // namespace
 
-SettingsDialog::SettingsDialog(const AppSettings& settings, QWidget* owner)
+SettingsDialog::SettingsDialog(const AppSettings& settings, const std::vector<std::string>& outputs,
+    const std::vector<std::string>& midiInputs, QWidget* owner)
     : QDialog(owner)
     , format_(new QComboBox(this))
+    , device_(new QComboBox(this))
+    , midiInput_(new QComboBox(this))
+    , midiMode_(new QComboBox(this))
+    , zoom_(new QComboBox(this))
     , stereo_(new QCheckBox(QStringLiteral("Stereo"), this))
     , latency_(new QSlider(Qt::Horizontal, this))
     , latencyLabel_(new QLabel(this))
@@ -40,6 +45,27 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, QWidget* owner)
     // A rate the list does not offer selects nothing.
     format_->setCurrentIndex(rate == std::end(kRates) ? -1 : int(rate - std::begin(kRates)));
     stereo_->setChecked(settings.channels != 1);
+    // The system's default first, then every output by its name; a chosen one that is not
+    // there now stays listed, so that choosing nothing keeps it.
+    device_->addItem(QStringLiteral("Default"), QString());
+    for (const std::string& name : outputs)
+        device_->addItem(QString::fromStdString(name), QString::fromStdString(name));
+    const QString chosen = QString::fromStdU16String(settings.device);
+    if (!chosen.isEmpty() && device_->findData(chosen) < 0)
+        device_->addItem(chosen, chosen);
+    device_->setCurrentIndex(std::max(0, device_->findData(chosen)));
+    midiInput_->addItem(QStringLiteral("All inputs"), QString());
+    midiInput_->addItem(QStringLiteral("None"), QStringLiteral("None"));
+    for (const std::string& name : midiInputs)
+        midiInput_->addItem(QString::fromStdString(name), QString::fromStdString(name));
+    const QString input = QString::fromStdU16String(settings.midiIn);
+    if (!input.isEmpty() && midiInput_->findData(input) < 0)
+        midiInput_->addItem(input, input);
+    midiInput_->setCurrentIndex(std::max(0, midiInput_->findData(input)));
+    midiMode_->addItems({ QStringLiteral("Drums: C2 plays track 1"), QStringLiteral("Chromatic: the chosen instrument") });
+    midiMode_->setCurrentIndex(settings.midiMode == 1 ? 1 : 0);
+    zoom_->addItems({ QStringLiteral("Auto"), QStringLiteral("100 %"), QStringLiteral("200 %"), QStringLiteral("300 %") });
+    zoom_->setCurrentIndex(int(std::min<uint32_t>(settings.zoom, 3)));
     shareDevice_->setChecked(settings.releaseWaveOut);
     smoothResampling_->setChecked(settings.interpolation != 0);
     latency_->setRange(AppSettings::kMinLatencyMs, AppSettings::kMaxLatencyMs);
@@ -64,13 +90,21 @@ SettingsDialog::SettingsDialog(const AppSettings& settings, QWidget* owner)
     layout->addWidget(new QLabel(QStringLiteral("Format:"), this), 0, 0);
     layout->addWidget(format_, 0, 1);
     layout->addWidget(stereo_, 0, 2);
+    layout->addWidget(new QLabel(QStringLiteral("Device:"), this), 5, 0);
+    layout->addWidget(device_, 5, 1, 1, 2);
     layout->addWidget(new QLabel(QStringLiteral("Latency:"), this), 1, 0);
     layout->addWidget(latencyLabel_, 1, 1);
     layout->addWidget(latency_, 1, 2);
     layout->addWidget(new QLabel(QStringLiteral("Options:"), this), 2, 0);
     layout->addWidget(shareDevice_, 2, 1, 1, 2);
     layout->addWidget(smoothResampling_, 3, 1, 1, 2);
-    layout->addWidget(buttons, 4, 0, 1, 3);
+    layout->addWidget(new QLabel(QStringLiteral("MIDI input:"), this), 6, 0);
+    layout->addWidget(midiInput_, 6, 1, 1, 2);
+    layout->addWidget(new QLabel(QStringLiteral("MIDI notes:"), this), 7, 0);
+    layout->addWidget(midiMode_, 7, 1, 1, 2);
+    layout->addWidget(new QLabel(QStringLiteral("Zoom:"), this), 8, 0);
+    layout->addWidget(zoom_, 8, 1, 1, 2);
+    layout->addWidget(buttons, 9, 0, 1, 3);
 }
 
 void SettingsDialog::latencySettled()
@@ -88,6 +122,10 @@ void SettingsDialog::applyTo(AppSettings& settings) const
     settings.releaseWaveOut = shareDevice_->isChecked();
     settings.interpolation = smoothResampling_->isChecked() ? 1 : 0;
     settings.bufferLength = latency_->value();
+    settings.device = device_->currentData().toString().toStdU16String();
+    settings.midiIn = midiInput_->currentData().toString().toStdU16String();
+    settings.midiMode = midiMode_->currentIndex() == 1 ? 1 : 0;
+    settings.zoom = uint32_t(std::max(0, zoom_->currentIndex()));
 }
 
 } // namespace pulsara

@@ -3,6 +3,8 @@
 #include <QDialog>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 class QCheckBox;
 class QComboBox;
@@ -21,7 +23,11 @@ public:
     // The rates offered, in the order of the list.
     static constexpr uint32_t kRates[] = { 11025, 22050, 44100, 48000 };
 
-    SettingsDialog(const AppSettings&, QWidget* owner);
+    // `outputs` are the sound outputs to choose from, the system's default first (none: no
+    // choice is offered).
+    // `midiInputs` likewise the MIDI inputs there now.
+    SettingsDialog(const AppSettings&, const std::vector<std::string>& outputs, const std::vector<std::string>& midiInputs,
+        QWidget* owner);
 
     // Called with each latency the user settles on, in milliseconds.
     std::function<void(int milliseconds)> onLatency;
@@ -29,6 +35,10 @@ public:
     void applyTo(AppSettings&) const;
 
     QComboBox& format() { return *format_; }
+    QComboBox& device() { return *device_; }
+    QComboBox& midiInput() { return *midiInput_; }
+    QComboBox& midiMode() { return *midiMode_; }
+    QComboBox& zoom() { return *zoom_; }
     QCheckBox& stereo() { return *stereo_; }
     QSlider& latency() { return *latency_; }
     QLabel& latencyLabel() { return *latencyLabel_; }
@@ -39,6 +49,10 @@ private:
     void latencySettled();
 
     QComboBox* format_;
+    QComboBox* device_;
+    QComboBox* midiInput_;
+    QComboBox* midiMode_;
+    QComboBox* zoom_;
     QCheckBox* stereo_;
     QSlider* latency_;
     QLabel* latencyLabel_;

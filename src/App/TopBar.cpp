@@ -2,6 +2,7 @@
 
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 
 #include <algorithm>
 
@@ -13,14 +14,6 @@ constexpr int32_t kMeterSegments = 20;
 constexpr int32_t kGap = 6;
 constexpr int32_t kTitleWidth = 78;
 constexpr int32_t kModeWidth = 120;
-
-QFont labelFont(int pixels, bool bold)
-{
-    QFont font(QStringLiteral("Liberation Sans"));
-    font.setPixelSize(pixels);
-    font.setBold(bold);
-    return font;
-}
 
 } // namespace
 
@@ -44,11 +37,11 @@ TopBar::TopBar(Skin& skin)
         if (onMoveMode)
             onMoveMode(true);
     };
-    title_.setFont(labelFont(17, true));
+    title_.setFont(uiFont(17, QFont::Bold));
     title_.setColor(QColor(0xdc, 0xe1, 0xea));
-    songName_.setFont(labelFont(12, false));
+    songName_.setFont(uiFont(12));
     songName_.setColor(QColor(0x8a, 0x93, 0xa3));
-    modeText_.setFont(labelFont(12, true));
+    modeText_.setFont(uiFont(12, QFont::Bold));
     modeText_.setColor(QColor(0x2e, 0xc4, 0xb6));
     cpuMeter_.setBitmap(&skin.cpu);
     clipLamp_.setBitmap(&skin.peak);

@@ -6,16 +6,23 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QUrl>
 #include <QWheelEvent>
+#include <QWindow>
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
+#include <vector>
 
 namespace pulsara {
 
@@ -53,6 +60,7 @@ Canvas::Canvas(RootElement& root, QMainWindow* frame) : root_(root), frame_(fram
     setAttribute(Qt::WA_NoSystemBackground);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    setAcceptDrops(true);
     if (frame_)
         frame_->installEventFilter(this);
     else
@@ -77,6 +85,14 @@ void Canvas::sendCreateOnce()
     if (created_)
         return;
     created_ = true;
+    // On another screen the whole scale may change: the tree takes its new size.
+    if (QWindow* handle = window()->windowHandle()) {
+        connect(handle, &QWindow::screenChanged, this, [this] {
+            presented_ = QRegion();
+            send(kMessageSize, 0, 0);
+            update();
+        });
+    }
     send(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(this)));
     send(kMessageSize, 0, packPosition(width(), height()));
 }
@@ -85,6 +101,7 @@ bool Canvas::event(QEvent* event)
 {
     if (event->type() == QEvent::Polish || event->type() == QEvent::Show)
         sendCreateOnce();
+
     return QWidget::event(event);
 }
 
@@ -135,16 +152,76 @@ void Canvas::destroyWindow()
         window()->close();
 }
 
+int32_t Canvas::zoom() const
+{
+    if (zoomSetting_ > 0)
+        return zoomSetting_;
+    return std::max(1, int32_t(std::lround(devicePixelRatioF())));
+}
+
+void Canvas::setZoom(int32_t zoom)
+{
+    zoomSetting_ = std::clamp(zoom, 0, 3);
+    presented_ = QRegion();
+    if (created_)
+        send(kMessageSize, 0, 0);
+    update();
+}
+
+double Canvas::scale() const
+{
+    return double(zoom()) / devicePixelRatioF();
+}
+
+QRect Canvas::toWidget(const ElemRect& rect) const
+{
+    const double s = scale();
+    const int left = int(std::floor(rect.x * s));
+    const int top = int(std::floor(rect.y * s));
+    return QRect(left, top, int(std::ceil(rect.right() * s)) - left, int(std::ceil(rect.bottom() * s)) - top);
+}
+
+QPoint Canvas::toTree(QPointF point) const
+{
+    const double s = scale();
+    return QPoint(int(std::floor(point.x() / s)), int(std::floor(point.y() / s)));
+}
+
+QRegion Canvas::toTree(const QRegion& region) const
+{
+    const double s = scale();
+    if (s == 1.0)
+        return region;
+    QRegion tree;
+    for (const QRect& rect : region) {
+        const int left = int(std::floor(rect.x() / s));
+        const int top = int(std::floor(rect.y() / s));
+        tree += QRect(left, top, int(std::ceil((rect.x() + rect.width()) / s)) - left, int(std::ceil((rect.y() + rect.height()) / s)) - top);
+    }
+    return tree;
+}
+
+void Canvas::updateTree(const QRegion& treeRegion)
+{
+    if (scale() == 1.0) {
+        update(treeRegion);
+        return;
+    }
+    for (const QRect& rect : treeRegion)
+        update(toWidget({ rect.x(), rect.y(), rect.width(), rect.height() }));
+}
+
 ElemRect Canvas::clientRect() const
 {
-    return { 0, 0, width(), height() + menuBarHeight() };
+    const double s = scale();
+    return { 0, 0, int32_t(width() / s), int32_t(height() / s) + menuBarHeight() };
 }
 
 int32_t Canvas::menuBarHeight() const
 {
     if (!frame_ || !frame_->menuWidget() || frame_->menuWidget()->isHidden())
         return 0;
-    return frame_->menuWidget()->height();
+    return int32_t(frame_->menuWidget()->height() / scale());
 }
 
 void Canvas::invalidate(const ElemRect& rect)
@@ -152,14 +229,15 @@ void Canvas::invalidate(const ElemRect& rect)
     QRect area = rect.toQRect();
     presented_ -= QRegion(area);
     invalidated_ += QRegion(area);
-    update(area);
+    updateTree(QRegion(area));
 }
 
 void Canvas::scrollContent(const ElemRect& rect, int32_t dx, int32_t dy)
 {
     QRect area = rect.toQRect();
-    // Pixels the window has not taken yet would move with the rest: take the whole area then.
-    if ((presented_ | invalidated_).intersects(area)) {
+    // Pixels the window has not taken yet would move with the rest: take the whole area then,
+    // as when the tree's pixels are not the widget's.
+    if ((presented_ | invalidated_).intersects(area) || scale() != 1.0) {
         present(QRegion(area));
         return;
     }
@@ -172,22 +250,32 @@ void Canvas::scrollContent(const ElemRect& rect, int32_t dx, int32_t dy)
 void Canvas::present(const QRegion& region)
 {
     presented_ += region;
-    update(region);
+    updateTree(region);
 }
 
 void Canvas::paintEvent(QPaintEvent* event)
 {
-    updateRegion_ = event->region() - presented_;
-    presented_ -= event->region();
-    invalidated_ -= event->region();
+    const QRegion tree = toTree(event->region());
+    updateRegion_ = tree - presented_;
+    presented_ -= tree;
+    invalidated_ -= tree;
     if (!updateRegion_.isEmpty())
         send(kMessagePaint);
     updateRegion_ = QRegion();
-    const QImage& buffer = root_.backBuffer().image();
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    for (const QRect& rect : event->region())
-        painter.drawImage(rect.topLeft(), buffer, rect);
+    const double s = scale();
+    if (s == 1.0) {
+        for (const QRect& rect : event->region())
+            painter.drawImage(rect.topLeft(), root_.backBuffer().image(), rect);
+        return;
+    }
+    // Each pixel of the tree becomes zoom x zoom pixels of the screen, never a fraction, so
+    // that every cell keeps its size.
+    QImage view = root_.backBuffer().image();
+    view.setDevicePixelRatio(1.0 / s);
+    for (const QRect& rect : tree)
+        painter.drawImage(QPointF(rect.x() * s, rect.y() * s), view, rect);
 }
 
 void Canvas::resizeEvent(QResizeEvent*)
@@ -200,20 +288,20 @@ void Canvas::resizeEvent(QResizeEvent*)
 void Canvas::mousePressEvent(QMouseEvent* event)
 {
     uint32_t message = event->button() == Qt::RightButton ? kMessageRightButtonDown : kMessageLeftButtonDown;
-    QPoint at = event->position().toPoint();
+    QPoint at = toTree(event->position());
     send(message, 0, packPosition(at.x(), at.y()));
 }
 
 void Canvas::mouseReleaseEvent(QMouseEvent* event)
 {
     uint32_t message = event->button() == Qt::RightButton ? kMessageRightButtonUp : kMessageLeftButtonUp;
-    QPoint at = event->position().toPoint();
+    QPoint at = toTree(event->position());
     send(message, 0, packPosition(at.x(), at.y()));
 }
 
 void Canvas::mouseMoveEvent(QMouseEvent* event)
 {
-    QPoint at = event->position().toPoint();
+    QPoint at = toTree(event->position());
     send(kMessageMouseMove, 0, packPosition(at.x(), at.y()));
 }
 
@@ -223,13 +311,13 @@ void Canvas::mouseDoubleClickEvent(QMouseEvent* event)
         mousePressEvent(event);
         return;
     }
-    QPoint at = event->position().toPoint();
+    QPoint at = toTree(event->position());
     send(kMessageLeftButtonDoubleClick, 0, packPosition(at.x(), at.y()));
 }
 
 void Canvas::wheelEvent(QWheelEvent* event)
 {
-    QPoint at = event->position().toPoint();
+    QPoint at = toTree(event->position());
     // A wheel that turns sideways (or Shift on some systems) reports on the x axis.
     int delta = event->angleDelta().y() != 0 ? event->angleDelta().y() : event->angleDelta().x();
     uint32_t keys = 0;
@@ -238,6 +326,26 @@ void Canvas::wheelEvent(QWheelEvent* event)
     if (event->modifiers() & Qt::ControlModifier)
         keys |= kWheelControl;
     send(kMessageMouseWheel, packWheel(delta, keys), packPosition(at.x(), at.y()));
+}
+
+void Canvas::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void Canvas::dropEvent(QDropEvent* event)
+{
+    std::vector<std::u16string> files;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile())
+            files.push_back(url.toLocalFile().toStdU16String());
+    }
+    if (files.empty())
+        return;
+    event->acceptProposedAction();
+    QPoint at = toTree(event->position());
+    send(kMessageDropFiles, reinterpret_cast<uintptr_t>(&files), packPosition(at.x(), at.y()));
 }
 
 void Canvas::keyPressEvent(QKeyEvent* event)
@@ -279,7 +387,7 @@ uint32_t Canvas::trackPopupMenu(const std::vector<PopupMenuItem>& items, int32_t
         action->setCheckable(item.checked);
         action->setChecked(item.checked);
     }
-    QAction* chosen = menu.exec(mapToGlobal(QPoint(x, y)));
+    QAction* chosen = menu.exec(mapToGlobal(toWidget({ x, y, 0, 0 }).topLeft()));
     return chosen ? chosen->data().toUInt() : 0;
 }
 
@@ -326,7 +434,7 @@ void Canvas::setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMe
 
 std::unique_ptr<PlatformTextEdit> Canvas::createTextEdit()
 {
-    return std::make_unique<CanvasTextEdit>(this);
+    return std::make_unique<CanvasTextEdit>(this, [this](const ElemRect& rect) { return toWidget(rect); });
 }
 
 } // namespace pulsara

@@ -46,6 +46,12 @@ public:
     void checkMenuItem(uint32_t commandId, bool checked) override;
     void setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>&) override;
     std::unique_ptr<PlatformTextEdit> createTextEdit() override;
+    void setZoom(int32_t zoom) override;
+    // Screen pixels per pixel of the element tree, a whole number.
+    int32_t zoom() const;
+    // The widget's own coordinates of a rectangle of the tree, and the tree's of a point.
+    QRect toWidget(const ElemRect&) const;
+    QPoint toTree(QPointF widgetPoint) const;
 
 protected:
     bool event(QEvent*) override;
@@ -57,11 +63,17 @@ protected:
     void mouseMoveEvent(QMouseEvent*) override;
     void mouseDoubleClickEvent(QMouseEvent*) override;
     void wheelEvent(QWheelEvent*) override;
+    void dragEnterEvent(QDragEnterEvent*) override;
+    void dropEvent(QDropEvent*) override;
     void keyPressEvent(QKeyEvent*) override;
 
 private:
     QAction* menuAction(uint32_t commandId) const;
     void sendCreateOnce();
+    // Widget units per unit of the tree: the zoom over the screen's own scale.
+    double scale() const;
+    QRegion toTree(const QRegion& widgetRegion) const;
+    void updateTree(const QRegion& treeRegion);
     intptr_t send(uint32_t message, uintptr_t wParam = 0, intptr_t lParam = 0);
 
     RootElement& root_;
@@ -76,6 +88,7 @@ private:
     bool destroyed_ = false;
     bool closing_ = false;
     bool hasCapture_ = false;
+    int32_t zoomSetting_ = 0;
 };
 
 } // namespace pulsara

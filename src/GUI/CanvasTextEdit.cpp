@@ -3,6 +3,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+#include <algorithm>
+
 namespace pulsara {
 
 class TextBoxWidget final : public QLineEdit {
@@ -42,8 +44,9 @@ private:
     CanvasTextEdit& owner_;
 };
 
-CanvasTextEdit::CanvasTextEdit(QWidget* canvas)
+CanvasTextEdit::CanvasTextEdit(QWidget* canvas, std::function<QRect(const ElemRect&)> toWidget)
     : box_(new TextBoxWidget(canvas, *this))
+    , toWidget_(std::move(toWidget))
 {
 }
 
@@ -54,8 +57,14 @@ CanvasTextEdit::~CanvasTextEdit()
 
 void CanvasTextEdit::setGeometry(const ElemRect& rect)
 {
-    if (box_)
-        box_->setGeometry(rect.toQRect());
+    if (!box_)
+        return;
+    QRect area = toWidget_(rect);
+    box_->setGeometry(area);
+    // The text as large as the tree's texts look at its zoom.
+    QFont font = box_->font();
+    font.setPixelSize(std::max(8, area.height() * 3 / 4));
+    box_->setFont(font);
 }
 
 void CanvasTextEdit::setText(std::u16string_view text)

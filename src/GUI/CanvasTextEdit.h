@@ -3,6 +3,9 @@
 #include "GUI/PlatformTextEdit.h"
 
 #include <QPointer>
+#include <QRect>
+
+#include <functional>
 
 class QWidget;
 
@@ -16,7 +19,8 @@ class TextBoxWidget;
 // deletes it too when it goes first.
 class CanvasTextEdit final : public PlatformTextEdit {
 public:
-    explicit CanvasTextEdit(QWidget* canvas);
+    // `toWidget` turns a rectangle of the element tree into the canvas's own coordinates.
+    CanvasTextEdit(QWidget* canvas, std::function<QRect(const ElemRect&)> toWidget);
     ~CanvasTextEdit() override;
 
     void setGeometry(const ElemRect&) override;
@@ -32,6 +36,7 @@ public:
 
 private:
     QPointer<TextBoxWidget> box_;
+    std::function<QRect(const ElemRect&)> toWidget_;
 };
 
 } // namespace pulsara

@@ -88,6 +88,35 @@ int chooseOpenFile(FilePath& path)
     return 1;
 }
 
+int chooseSampleFile(FilePath& path, const std::function<void(std::u16string_view)>& onSelect)
+{
+    int chosen = 0;
+    if (dialogHook) {
+        // A scripted answer stands for a user who selected that file and took it.
+        chosen = dialogHook(FileDialogKind::Open, path);
+        if (chosen && onSelect)
+            onSelect(path.view());
+    } else {
+        QFileDialog dialog(path.owner);
+        prepare(dialog, path);
+        dialog.setFileMode(QFileDialog::ExistingFile);
+        dialog.setAcceptMode(QFileDialog::AcceptOpen);
+        if (!path.empty())
+            dialog.selectFile(toQString(pathFileName(path.view())));
+        QObject::connect(&dialog, &QFileDialog::currentChanged, [&onSelect](const QString& selected) {
+            if (onSelect)
+                onSelect(QFileInfo(selected).isFile() ? selected.toStdU16String() : std::u16string());
+        });
+        if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+            storeChoice(path, dialog);
+            chosen = 1;
+        }
+    }
+    if (onSelect)
+        onSelect({});
+    return chosen;
+}
+
 int chooseSaveFile(FilePath& path)
 {
     if (dialogHook)

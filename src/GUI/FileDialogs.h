@@ -11,6 +11,9 @@ namespace pulsara {
 
 // A file that exists; the dialog starts at the path's own file and remembers the chosen filter.
 int chooseOpenFile(FilePath&);
+// chooseOpenFile for a sample, telling `onSelect` of each file the user selects in the dialog
+// (so that it can be heard) and, with an empty path, when the dialog closes.
+int chooseSampleFile(FilePath&, const std::function<void(std::u16string_view path)>& onSelect);
 // A file to write in a folder that exists; the name is taken as the user typed it, with no
 // extension added.
 int chooseSaveFile(FilePath&);

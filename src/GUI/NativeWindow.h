@@ -59,6 +59,10 @@ public:
     // templates after "Empty"), or all the items of the sub-menu that `anchorCommand` names
     // (File > Open Recent); each sends its command as a command message.
     virtual void setMenuItemsAfter(uint32_t anchorCommand, const std::vector<PopupMenuItem>&) = 0;
+    // Draws every pixel of the element tree as `zoom` x `zoom` pixels of the screen (1 to 3), or
+    // at the screen's own scale rounded to a whole number (0), so that every cell of the skin
+    // keeps the same size on screens of any scale.
+    virtual void setZoom(int32_t zoom) = 0;
     // A text box laid over the client area, hidden until shown.
     virtual std::unique_ptr<PlatformTextEdit> createTextEdit() = 0;
 };

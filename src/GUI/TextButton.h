@@ -1,6 +1,7 @@
 #pragma once
 
 #include "GUI/Element.h"
+#include "GUI/UiFont.h"
 
 #include <QColor>
 #include <QFont>
@@ -44,7 +45,7 @@ private:
     Kind kind_;
     SkinFrame* released_ = nullptr;
     SkinFrame* pressedFrame_ = nullptr;
-    QFont font_ { QStringLiteral("Liberation Sans") };
+    QFont font_ = uiFont(12);
     QColor text_ { 0xdc, 0xe1, 0xea };
     QColor pressedText_ { 0x2e, 0xc4, 0xb6 };
     bool pressed_ = false;

@@ -12,6 +12,14 @@ namespace {
 
 Timer* registryHead = nullptr;
 
+uint32_t steadyTicks()
+{
+    auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+Timer::TickSource tickSource = steadyTicks;
+
 // Timer faults go to the log only: a timer that could not be set simply stays stopped, and no
 // box may interrupt the periodic work of the GUI thread.
 void logTimerError(const ErrorContext* context, int32_t code, std::u16string_view message)
@@ -47,8 +55,12 @@ Timer::~Timer()
 
 uint32_t Timer::tickCount()
 {
-    auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+    return tickSource();
+}
+
+void Timer::setTickSource(TickSource source)
+{
+    tickSource = source ? source : steadyTicks;
 }
 
 int32_t Timer::setTimer(uint32_t milliseconds)

@@ -36,6 +36,10 @@ public:
 
     // Milliseconds of a steady clock; the tick count the timers measure with.
     static uint32_t tickCount();
+    // Replaces the clock behind tickCount, so that tests can step time by hand; nullptr restores
+    // the steady clock. GUI thread.
+    using TickSource = uint32_t (*)();
+    static void setTickSource(TickSource);
 
 protected:
     virtual int32_t onTimer();

@@ -21,6 +21,9 @@ enum WindowMessage : uint32_t {
     kMessageRightButtonDown = 516,
     kMessageRightButtonUp = 517,
     kMessageMouseWheel = 522,
+    // Files dropped on the window: the first word points at the paths (a DroppedFiles), the
+    // second is the drop point.
+    kMessageDropFiles = 563,
     kMessageUser = 0x400,
 };
 

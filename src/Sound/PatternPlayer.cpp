@@ -154,6 +154,7 @@ void PatternPlayer::setLength(uint32_t steps)
 void PatternPlayer::setFormat(const AudioFormat* format)
 {
     format_ = format;
+    audition_.setFormat(format);
     recomputeFramesPerStep();
 }
 
@@ -199,8 +200,14 @@ uint32_t PatternPlayer::currentStep() const
 
 void PatternPlayer::triggerLive(int32_t track)
 {
-    soloTrack_.store(track, std::memory_order_relaxed);
-    liveTrigger_.store(track >= 0, std::memory_order_release);
+    playLive(LiveSource::Gui, { track, -1.0f, 1.0f });
+}
+
+void PatternPlayer::playLive(LiveSource source, LiveNote note)
+{
+    soloTrack_.store(note.track, std::memory_order_relaxed);
+    if (note.track >= 0 && note.track < int32_t(kTracks))
+        liveNotes_[static_cast<size_t>(source)].push(note);
 }
 
 void PatternPlayer::seek(uint64_t frame)
@@ -252,7 +259,9 @@ void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
     block.length = length();
     block.framesPerPass = passFrames(block.length, block.framesPerStep);
     block.sequencing = isPlaying() && block.framesPerPass > 0;
-    block.liveTrack = liveTrigger_.exchange(false, std::memory_order_acquire) ? soloTrack() : -1;
+    // A track played twice since the last block plays its latest note.
+    for (LiveNoteRing& ring : liveNotes_)
+        ring.drain([&](const LiveNote& note) { block.live[static_cast<size_t>(note.track)] = note; });
 
     uint64_t position = position_.load(std::memory_order_relaxed);
     if (block.sequencing) {
@@ -273,6 +282,7 @@ void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
         for (uint32_t row = 0; row < kTracks; ++row)
             renderTrack(row, block);
     }
+    renderAudition(block);
 
     if (block.sequencing) {
         uint64_t end = position + frames;
@@ -282,6 +292,20 @@ void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
             advanceForRow(-1, static_cast<uint32_t>(wraps - 1));
         position_.store(end % block.framesPerPass, std::memory_order_relaxed);
     }
+}
+
+void PatternPlayer::renderAudition(const Block& block)
+{
+    if (auditionStop_.exchange(false, std::memory_order_acq_rel))
+        audition_.setPlaying(false);
+    if (auditionStart_.exchange(false, std::memory_order_acq_rel)) {
+        audition_.setPosition(0.0);
+        audition_.setRate(1.0f);
+        audition_.setVolume(volume());
+        audition_.setPlaying(true);
+    }
+    if (audition_.isPlaying())
+        audition_.mix(block.out, block.frames, block.channels);
 }
 
 void PatternPlayer::renderTrack(uint32_t row, const Block& block)
@@ -295,8 +319,8 @@ void PatternPlayer::renderTrack(uint32_t row, const Block& block)
 template<typename Play>
 void PatternPlayer::walkTrack(uint32_t row, const Block& block, Play&& play)
 {
-    if (static_cast<int32_t>(row) == block.liveTrack)
-        play(0, { volume(), 1.0f, 0 });
+    if (const LiveNote& live = block.live[row]; live.track >= 0)
+        play(0, { live.volume < 0.0f ? volume() : live.volume * volume(), live.rate, 0 });
 
     if (block.sequencing) {
         float masterVolume = volume();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Sound/LiveNoteRing.h"
+#include "Sound/Sample.h"
 #include "Sound/SoundSource.h"
 #include "Sound/StepGrid.h"
 #include "Sound/TrackVoice.h"
@@ -65,9 +67,18 @@ public:
     uint64_t position() const { return position_.load(std::memory_order_relaxed); }
     bool isPlaying() const { return playing_.load(std::memory_order_relaxed); }
 
+    // Who plays live notes: each has a ring of its own (see LiveNoteRing).
+    enum class LiveSource { Gui = 0, Midi = 1 };
     // Live play: the track's instrument is played from the start of the next rendered block,
-    // whether or not the sequencer is running. -1 plays nothing.
+    // whether or not the sequencer is running, at the master volume. -1 plays nothing. GUI thread.
     void triggerLive(int32_t track);
+    // The same with a volume and a rate of its own, from the source's thread.
+    void playLive(LiveSource, LiveNote);
+    // A sample heard on its own, beside the tracks: a file selected in the sample dialog. Its
+    // data is the GUI thread's to load; play and stop take effect at the next block.
+    Sample& audition() { return audition_; }
+    void playAudition() { audition_.setPlaying(false); auditionStart_.store(true, std::memory_order_release); }
+    void stopAudition() { auditionStart_.store(false, std::memory_order_release); auditionStop_.store(true, std::memory_order_release); }
     int32_t soloTrack() const { return soloTrack_.load(std::memory_order_relaxed); }
 
     // SoundSource
@@ -114,7 +125,8 @@ private:
         uint32_t length;
         bool sequencing;
         bool wrapsAtStart; // the block starts a new pass rather than the first one
-        int32_t liveTrack;
+        // The live note of each track for this block (track -1: none).
+        std::array<LiveNote, kTracks> live;
     };
     class BlockRows;
     // Walks the row's steps in the block as its voice plays them: `play(offset, step)` for each
@@ -123,6 +135,8 @@ private:
     void walkTrack(uint32_t row, const Block&, Play&&);
     void renderTrack(uint32_t row, const Block&);
     bool tracksShareAnInstrument() const;
+    // Device callback thread: no allocation, locks, I/O or logging.
+    void renderAudition(const Block&);
 
     const AudioFormat* format_ = nullptr;
     std::atomic<bool> playing_ { false };
@@ -137,7 +151,10 @@ private:
     std::atomic<bool> freshStart_ { true };
     std::atomic<bool> cutRequested_ { false };
     std::atomic<int32_t> soloTrack_ { -1 };
-    std::atomic<bool> liveTrigger_ { false };
+    std::array<LiveNoteRing, 2> liveNotes_;
+    Sample audition_;
+    std::atomic<bool> auditionStart_ { false };
+    std::atomic<bool> auditionStop_ { false };
     // Where playing began, for the cursor's estimate.
     std::atomic<uint32_t> startStep_ { 0 };
     std::atomic<int64_t> startTick_ { 0 };

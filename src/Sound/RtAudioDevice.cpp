@@ -51,6 +51,28 @@ RtAudioDevice::~RtAudioDevice()
     closeOutput();
 }
 
+std::vector<std::string> RtAudioDevice::outputNames()
+{
+    QuietAudioLibraries quiet;
+    std::vector<std::string> names;
+    try {
+        RtAudio probe(api_);
+        probe.showWarnings(false);
+        const unsigned defaultOutput = probe.getDefaultOutputDevice();
+        for (unsigned id = 0; id < probe.getDeviceCount(); ++id) {
+            RtAudio::DeviceInfo info = probe.getDeviceInfo(id);
+            if (!info.probed || info.outputChannels == 0)
+                continue;
+            if (id == defaultOutput)
+                names.insert(names.begin(), info.name);
+            else
+                names.push_back(info.name);
+        }
+    } catch (const RtAudioError&) {
+    }
+    return names;
+}
+
 WaveResult RtAudioDevice::openOutput(const WaveFormat& format)
 {
     QuietAudioLibraries quiet;
@@ -63,6 +85,19 @@ WaveResult RtAudioDevice::openOutput(const WaveFormat& format)
         }
         RtAudio::StreamParameters parameters;
         parameters.deviceId = rtAudio_->getDefaultOutputDevice();
+        // The chosen output by its name; one that has gone leaves the default, once said.
+        if (!chosenOutput_.empty()) {
+            bool found = false;
+            for (unsigned id = 0; id < rtAudio_->getDeviceCount() && !found; ++id) {
+                RtAudio::DeviceInfo info = rtAudio_->getDeviceInfo(id);
+                if (info.probed && info.outputChannels > 0 && info.name == chosenOutput_) {
+                    parameters.deviceId = id;
+                    found = true;
+                }
+            }
+            fellBack_ = !found && !missingTold_;
+            missingTold_ = !found;
+        }
         parameters.nChannels = format.channels;
         RtAudio::StreamOptions options;
         options.streamName = "Pulsara";

@@ -5,6 +5,9 @@
 #include <rtaudio/RtAudio.h>
 
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace pulsara {
 
@@ -21,6 +24,15 @@ public:
     explicit RtAudioDevice(RtAudio::Api = RtAudio::UNSPECIFIED);
     ~RtAudioDevice() override;
 
+    // GUI thread.
+    std::vector<std::string> outputNames() override;
+    void chooseOutput(std::string name) override
+    {
+        chosenOutput_ = std::move(name);
+        missingTold_ = false;
+    }
+    bool takeFallbackNotice() override { return std::exchange(fellBack_, false); }
+
 protected:
     WaveResult openOutput(const WaveFormat&) override;
     void closeOutput() override;
@@ -32,6 +44,10 @@ private:
 
     RtAudio::Api api_;
     std::unique_ptr<RtAudio> rtAudio_; // exists while the output is open
+    std::string chosenOutput_;
+    bool fellBack_ = false;
+    // The chosen output was found missing and that was said: it is not said again at every open.
+    bool missingTold_ = false;
 };
 
 } // namespace pulsara

@@ -7,7 +7,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -109,6 +112,27 @@ int createTemporaryBeside(const std::string& target, std::string& name)
     return -1;
 }
 
+// A save killed half way (a crash, a power cut) leaves its temporary file of up to a few
+// megabytes; the next save of the same song removes those whose program is gone.
+void removeAbandonedTemporaries(const std::string& target)
+{
+    const size_t slash = target.rfind('/');
+    const std::string folder = slash == std::string::npos ? "./" : target.substr(0, slash + 1);
+    const std::string prefix = target.substr(slash == std::string::npos ? 0 : slash + 1) + ".saving-";
+    DIR* entries = ::opendir(folder.c_str());
+    if (!entries)
+        return;
+    while (const dirent* entry = ::readdir(entries)) {
+        const std::string name = entry->d_name;
+        if (name.compare(0, prefix.size(), prefix) != 0)
+            continue;
+        const long pid = std::strtol(name.c_str() + prefix.size(), nullptr, 10);
+        if (pid > 0 && ::kill(pid_t(pid), 0) != 0 && errno == ESRCH)
+            ::unlink((folder + name).c_str());
+    }
+    ::closedir(entries);
+}
+
 // Writes the bytes to a temporary file in the target's folder and renames it over the target,
 // so that the target holds either the old song or the whole new one. The old song stays as
 // <target>.bak: a second name for its file, made before the new one takes the target's name.
@@ -126,8 +150,10 @@ bool replaceFile(const std::string& target, const std::vector<uint8_t>& bytes, B
             if (::link(target.c_str(), backupName.c_str()) != 0 && errno != ENOENT)
                 ::unlink(backupName.c_str());
         }
-        if (::rename(temporaryName.c_str(), target.c_str()) == 0)
+        if (::rename(temporaryName.c_str(), target.c_str()) == 0) {
+            removeAbandonedTemporaries(target);
             return true;
+        }
     }
     ::unlink(temporaryName.c_str());
     return false;

@@ -22,6 +22,11 @@ public:
     std::vector<uint8_t> write();
 
 private:
+    // A note's item: its code and index, rate and volume as doubles, parameter, end.
+    static constexpr size_t kBytesPerNote = 36;
+    // Enough for the rest of a full song: instruments, playlist, names, views.
+    static constexpr size_t kBytesBesideNotes = 128 * 1024;
+
     void writeInstrument(const Instrument&);
     void writePlaylistRow(uint32_t pattern);
     void writePattern(uint32_t pattern);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <atomic>
+#include <string>
+#include <vector>
 #include <cstdint>
 
 namespace pulsara {
@@ -88,6 +90,15 @@ public:
     // volume is the device's and outlasts closing.
     virtual WaveResult setVolume(uint32_t) = 0;
     virtual WaveResult volume(uint32_t&) const = 0;
+
+    // The outputs a user can choose between, the system's default first; none where the device
+    // offers no choice.
+    virtual std::vector<std::string> outputNames() { return {}; }
+    // Plays on the named output from the next open; an empty name is the system's default.
+    virtual void chooseOutput(std::string name) { }
+    // The chosen output was gone at the last open and the default played instead: true once for
+    // each time that happened.
+    virtual bool takeFallbackNotice() { return false; }
 };
 
 } // namespace pulsara

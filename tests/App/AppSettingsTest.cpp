@@ -70,7 +70,7 @@ TEST(AppSettings, MissingOddAndOverlongValuesFallBack)
 TEST(AppSettings, WriteBackWhatTheyRead)
 {
     ScratchFolder folder;
-    AppSettings odd = loadFrom(folder, "[General]\nStereo=5\nSmpFreq=22050\nBuffLength=640\n");
+    AppSettings odd = loadFrom(folder, "[General]\nStereo=5\nSmpFreq=22050\nBuffLength=640\nMidiMode=Chromatic\nMidiIn=Pad\n");
     rememberRecentSong(odd, u"/a.kqu");
     rememberRecentSong(odd, u"/b.kqu");
     rememberRecentSong(odd, u"/a.kqu");
@@ -88,6 +88,8 @@ TEST(AppSettings, WriteBackWhatTheyRead)
     EXPECT_EQ(reread.sampleRate, 22050u);
     EXPECT_EQ(reread.bufferLength, AppSettings::kMaxLatencyMs);
     EXPECT_EQ(reread.recentSongs, odd.recentSongs);
+    EXPECT_EQ(reread.midiMode, 1u);
+    EXPECT_EQ(reread.midiIn, u"Pad");
 }
 
 TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
@@ -96,13 +98,21 @@ TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
     AppSettings settings;
     settings.sampleRate = 32000;
     settings.bufferLength = 120;
-    SettingsDialog dialog(settings, nullptr);
+    settings.device = u"USB headset";
+    settings.midiIn = u"None";
+    SettingsDialog dialog(settings, { "Built-in", "HDMI" }, { "Keystation 49 24:0" }, nullptr);
     EXPECT_EQ(dialog.format().count(), 4);
     EXPECT_EQ(dialog.format().itemText(3), QStringLiteral("48,000 Hz"));
     EXPECT_EQ(dialog.format().currentIndex(), -1) << "32,000 Hz is not in the list";
     EXPECT_EQ(dialog.latencyLabel().text(), QStringLiteral("120 ms"));
     EXPECT_EQ(dialog.latency().minimum(), 30);
     EXPECT_EQ(dialog.latency().maximum(), 600);
+    // The default first, then the outputs, and a chosen one that is not there now, chosen still.
+    ASSERT_EQ(dialog.device().count(), 4);
+    EXPECT_EQ(dialog.device().itemText(0), QStringLiteral("Default"));
+    EXPECT_EQ(dialog.device().currentText(), QStringLiteral("USB headset"));
+    EXPECT_EQ(dialog.midiInput().count(), 3);
+    EXPECT_EQ(dialog.midiInput().currentText(), QStringLiteral("None"));
 
     std::vector<int> applied;
     dialog.onLatency = [&](int milliseconds) { applied.push_back(milliseconds); };
@@ -122,7 +132,14 @@ TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
     EXPECT_EQ(settings.channels, 2);
     EXPECT_EQ(settings.interpolation, 1u);
     EXPECT_FALSE(settings.releaseWaveOut);
+    EXPECT_EQ(settings.device, u"USB headset");
     dialog.format().setCurrentIndex(3);
+    dialog.device().setCurrentIndex(0);
+    dialog.midiInput().setCurrentIndex(2);
+    dialog.midiMode().setCurrentIndex(1);
     dialog.applyTo(settings);
     EXPECT_EQ(settings.sampleRate, 48000u);
+    EXPECT_EQ(settings.device, u"") << "the default is no name";
+    EXPECT_EQ(settings.midiIn, u"Keystation 49 24:0");
+    EXPECT_EQ(settings.midiMode, 1u);
 }

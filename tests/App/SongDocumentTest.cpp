@@ -1,6 +1,6 @@
 // The song as a file: titles, the save-changes question and its answers, the version naming
-// rule, the templates menu, the missing-sample search, saves that fail, and the automatic copy
-// a crash leaves behind.
+// rule, the templates menu, the missing-sample search, saves that fail (a missing folder, a
+// full disk), and the automatic copy a crash leaves behind.
 #include "App/SongDocument.h"
 
 #include "GUI/FileDialogs.h"
@@ -8,6 +8,7 @@
 #include "GUI/editors/SongEdits.h"
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
+#include "support/FullSong.h"
 #include "support/RecordingLocator.h"
 #include "support/ReportRecorder.h"
 #include "support/ScratchFolder.h"
@@ -16,7 +17,11 @@
 #include <QUndoStack>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 
 using namespace pulsara;
 using namespace pulsara::test;
@@ -83,6 +88,36 @@ struct Document {
     // Each edit puts a note where there was none.
     void edit() { edits.setPatternCell(0, 0, edited++, kDefaultNote); }
     uint32_t edited = 0;
+};
+
+// A folder with room for 64 KiB: a tmpfs of that size over it where this process may mount one
+// (in a mount namespace of its own), else a limit on the size of the files it writes, which
+// stops a write as a full disk does.
+class SmallDisk {
+public:
+    explicit SmallDisk(const std::filesystem::path& folder) : folder_(folder)
+    {
+        mounted_ = ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+            && ::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") == 0;
+        if (mounted_)
+            return;
+        ::getrlimit(RLIMIT_FSIZE, &limit_);
+        const rlimit small { 64 * 1024, limit_.rlim_max };
+        ::signal(SIGXFSZ, SIG_IGN);
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallDisk()
+    {
+        if (mounted_)
+            ::umount2(folder_.c_str(), MNT_DETACH);
+        else
+            ::setrlimit(RLIMIT_FSIZE, &limit_);
+    }
+
+private:
+    std::filesystem::path folder_;
+    bool mounted_ = false;
+    rlimit limit_ {};
 };
 
 } // namespace
@@ -192,6 +227,27 @@ TEST(SongDocument, SavesKeepTheSongModifiedWhenTheyFail)
     EXPECT_EQ(doc.host.title, u"Pulsara - kept");
     EXPECT_EQ(doc.document.saveNewVersion(), 1);
     EXPECT_EQ(doc.host.title, u"Pulsara - kept_1");
+}
+
+TEST(SongDocument, ASaveThatRunsOutOfRoomKeepsTheOldFileAndTheSongModified)
+{
+    Document doc;
+    std::filesystem::create_directories(doc.folder.path() / "songs");
+    SmallDisk disk(doc.folder.path() / "songs");
+    const std::u16string path = doc.open("beat.kqu");
+    const std::vector<uint8_t> old = doc.folder.read("songs/beat.kqu");
+    fillSong(doc.song, 1.0f);
+    doc.edit();
+
+    ReportRecorder reports;
+    EXPECT_EQ(doc.document.save(), 0);
+    ASSERT_EQ(reports.reports().size(), 1u);
+    EXPECT_EQ(reports.last().message.rfind(u"cant open kvSong file to save \"" + path + u"\": ", 0), 0u) << "says why";
+    EXPECT_TRUE(doc.document.isDirty()) << "the next exit still asks";
+    EXPECT_EQ(doc.host.title, u"Pulsara - beat*");
+    EXPECT_EQ(doc.folder.read("songs/beat.kqu"), old);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(doc.folder.path() / "songs"), std::filesystem::directory_iterator()), 1)
+        << "no partial file is left";
 }
 
 TEST(SongDocument, TheTemplatesMenuListsTheTemplatesFolder)

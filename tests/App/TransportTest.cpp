@@ -1,11 +1,12 @@
 #include "App/Transport.h"
 
 #include "Sound/Song.h"
-#include "support/FakeWaveDevice.h"
+#include "support/PulledWaveDevice.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <chrono>
+#include <thread>
 
 using namespace pulsara;
 using namespace pulsara::testing;
@@ -19,131 +20,83 @@ struct MeterLog : MeterListener {
     std::vector<float> loads;
 };
 
+// The window's transport: it drains in the background, and its device is played by hand.
 struct TransportRig {
-    TransportRig() { transport.open(100); }
+    TransportRig()
+    {
+        transport.open(100);
+        transport.setDrainsInBackground(true);
+    }
+    // Plays one whole buffer.
+    std::vector<int16_t> playOne() { return device.pull(uint32_t(transport.deviceBufferBytes(0) / 4), 2); }
+
     Song song { AudioFormat { 22050, 32, 2 } };
-    FakeWaveDevice device;
+    PulledWaveDevice device;
     Transport transport { device, song };
 };
 
-bool anyReset(const FakeWaveDevice& device)
-{
-    std::vector<std::string> calls = device.calls();
-    return std::count(calls.begin(), calls.end(), "reset") > 0;
-}
-
 } // namespace
 
-TEST(Transport, PlayStartsTheSongInItsFormatOrLeavesItStoppedWithoutADevice)
+// A shared device is let go once the queued sound has played (in the background for the window,
+// while the stop waits for the command line), or once live play ends.
+TEST(Transport, StopLetsTheQueuedSoundPlayAndReleasesOnlyASharedDeviceOutsideLiveMode)
 {
-    TransportRig rig;
-    EXPECT_EQ(rig.transport.format(), &rig.song.format());
-    EXPECT_EQ(rig.transport.source(), &rig.song.player());
-    EXPECT_FALSE(rig.transport.isRunning());
-    ASSERT_EQ(rig.transport.play(), 1);
-    EXPECT_TRUE(rig.transport.isRunning());
-    EXPECT_TRUE(rig.transport.isPlaying());
-    EXPECT_EQ(rig.device.openedFormat().samplesPerSecond, 22050u);
-    EXPECT_EQ(rig.device.openedFormat().channels, 2);
-    EXPECT_EQ(rig.device.queued(), 2u);
-
-    TransportRig failing;
-    failing.device.openResult = WaveResult::NoDevice;
-    EXPECT_EQ(failing.transport.play(), 0);
-    EXPECT_FALSE(failing.transport.isPlaying());
-    EXPECT_FALSE(failing.transport.isRunning());
-}
-
-TEST(Transport, StopLetsQueuedSoundFinishAndReleasesOnlyASharedDevice)
-{
-    for (bool shared : { true, false }) {
-        SCOPED_TRACE(shared ? "shared" : "not shared");
+    enum class Release { Never, InBackground, Waiting, AfterLiveMode };
+    for (Release release : { Release::Never, Release::InBackground, Release::Waiting, Release::AfterLiveMode }) {
+        SCOPED_TRACE(static_cast<int>(release));
         TransportRig rig;
-        rig.transport.setDocumentFlags(shared ? Transport::kReleaseDeviceFlag : 0);
+        rig.transport.setDocumentFlags(release == Release::Never ? 0 : Transport::kReleaseDeviceFlag);
+        rig.transport.setDrainsInBackground(release != Release::Waiting);
+        rig.transport.setLiveMode(release == Release::AfterLiveMode);
         ASSERT_EQ(rig.transport.play(), 1);
-        {
-            DevicePlayer player(rig.device);
-            rig.transport.stopPlaying();
+        std::thread deviceThread;
+        if (release == Release::Waiting) {
+            // The device's thread plays the queued buffers once the stream drains, as the stop waits.
+            deviceThread = std::thread([&rig] {
+                for (auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+                     rig.transport.state() != StreamState::Draining && std::chrono::steady_clock::now() < end;)
+                    std::this_thread::yield();
+                rig.playOne();
+                rig.playOne();
+            });
         }
+        rig.transport.stopPlaying();
+        if (deviceThread.joinable())
+            deviceThread.join();
         EXPECT_FALSE(rig.transport.isPlaying());
-        EXPECT_EQ(rig.transport.isRunning(), !shared);
-        EXPECT_EQ(rig.device.isOpen(), !shared);
-        EXPECT_FALSE(anyReset(rig.device));
-    }
-}
-
-TEST(Transport, LiveModeKeepsASharedDeviceOpenAfterStop)
-{
-    TransportRig rig;
-    rig.transport.setLiveMode(true);
-    EXPECT_TRUE(rig.transport.isRunning());
-    ASSERT_EQ(rig.transport.play(), 1);
-    rig.transport.stopPlaying();
-    EXPECT_TRUE(rig.transport.isRunning());
-    {
-        DevicePlayer player(rig.device);
+        // A drain in the background ends when the window's timer finds the sound played.
+        const StreamState after[] = { StreamState::Playing, StreamState::Draining, StreamState::Closed, StreamState::Playing };
+        EXPECT_EQ(rig.transport.state(), after[static_cast<int>(release)]);
+        EXPECT_EQ(rig.device.isOpen(), release != Release::Waiting);
         rig.transport.setLiveMode(false);
+        EXPECT_EQ(rig.transport.state(), release == Release::AfterLiveMode ? StreamState::Draining : after[static_cast<int>(release)]);
     }
-    EXPECT_FALSE(rig.transport.isRunning());
-    EXPECT_FALSE(rig.device.isOpen());
 }
 
-TEST(Transport, CloseStopsAtOnce)
+// A live note starts a stopped stream without playing the song, and plays nothing without a
+// device. The live keys trigger their tracks only in live mode.
+TEST(Transport, LiveNotesStartTheStreamAndLiveKeysMapToTracksInRowOrderOnlyInLiveMode)
 {
-    TransportRig rig;
-    ASSERT_EQ(rig.transport.play(), 1);
-    rig.device.clearCalls();
-    rig.transport.close();
-    EXPECT_FALSE(rig.transport.isPlaying());
-    EXPECT_EQ(rig.transport.state(), StreamState::Closed);
-    ASSERT_FALSE(rig.device.calls().empty());
-    EXPECT_EQ(rig.device.calls().front(), "pause");
-}
+    for (auto [key, track] : { std::pair { '1', 0 }, { '9', 8 }, { '0', 9 }, { 'Q', 10 }, { 'P', 19 }, { 'A', 20 }, { 'L', 28 },
+             { 'Z', 29 }, { 'M', 35 }, { ' ', -1 }, { 'q', -1 } })
+        EXPECT_EQ(Transport::liveTrackForKey(uint32_t(key)), track) << key;
+    EXPECT_EQ(Transport::liveTrackForKey(0x10051), -1);
 
-TEST(Transport, LiveTriggerStartsAStoppedStreamAndSoundsFromTheNextFill)
-{
-    TransportRig rig;
-    ASSERT_EQ(rig.transport.triggerLive(3), 1);
-    EXPECT_TRUE(rig.transport.isRunning());
-    EXPECT_FALSE(rig.transport.isPlaying());
-    EXPECT_EQ(rig.song.player().soloTrack(), 3);
-
-    rig.song.instrument(5).sample().setFrames(std::vector<float>(2 * 100, 0.5f), 2);
-    ASSERT_TRUE(rig.device.playOne());
-    std::vector<int16_t> before = rig.device.lastPlayed();
-    EXPECT_TRUE(std::all_of(before.begin(), before.end(), [](int16_t s) { return s == 0; }));
-    ASSERT_EQ(rig.transport.triggerLive(5), 1);
-    // Both queued buffers were rendered before the trigger; the first refill after it sounds.
-    ASSERT_TRUE(rig.device.playOne());
-    ASSERT_TRUE(rig.device.playOne());
-    EXPECT_EQ(rig.device.lastPlayed(), before);
-    ASSERT_TRUE(rig.device.playOne());
-    std::vector<int16_t> after = rig.device.lastPlayed();
-    ASSERT_FALSE(after.empty());
-    EXPECT_NE(after[0], 0);
-    EXPECT_EQ(after[0], after[1]);
-}
-
-TEST(Transport, LiveKeysMapToTracksInRowOrder)
-{
-    struct Case {
-        uint32_t key;
-        int32_t track;
-    };
-    for (Case c : { Case { '1', 0 }, Case { '9', 8 }, Case { '0', 9 }, Case { 'Q', 10 }, Case { 'P', 19 }, Case { 'A', 20 },
-             Case { 'L', 28 }, Case { 'Z', 29 }, Case { 'M', 35 }, Case { ' ', -1 }, Case { 'q', -1 }, Case { 0x10051, -1 } })
-        EXPECT_EQ(Transport::liveTrackForKey(c.key), c.track) << c.key;
-}
-
-TEST(Transport, FilterConsumesLiveKeysOnlyInLiveMode)
-{
     constexpr uint32_t kKeyUp = 257;
     TransportRig rig;
     EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 'W', 0), 0);
     EXPECT_EQ(rig.song.player().soloTrack(), -1);
-    EXPECT_FALSE(rig.transport.isRunning());
-
+    ASSERT_EQ(rig.transport.triggerLive(3), 1);
+    EXPECT_TRUE(rig.transport.isRunning());
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_EQ(rig.song.player().soloTrack(), 3);
+    rig.device.openResult = WaveResult::NoDevice;
+    rig.transport.close();
+    EXPECT_EQ(rig.transport.triggerLive(4), 0);
+    EXPECT_EQ(rig.song.player().soloTrack(), 3);
+    rig.device.openResult = WaveResult::Ok;
     rig.transport.setLiveMode(true);
+    EXPECT_TRUE(rig.transport.isRunning());
     EXPECT_EQ(rig.transport.filterMessage(Transport::kKeyDownMessage, 'W', 0), 1);
     EXPECT_EQ(rig.song.player().soloTrack(), 11);
     EXPECT_EQ(rig.transport.filterMessage(kKeyUp, 'E', 0), 0);
@@ -151,26 +104,27 @@ TEST(Transport, FilterConsumesLiveKeysOnlyInLiveMode)
     EXPECT_EQ(rig.song.player().soloTrack(), 11);
 }
 
-TEST(Transport, PassesTheMetersToItsListener)
+TEST(Transport, PassesTheMetersToItsListenerAndCloseStopsAtOnce)
 {
     TransportRig rig;
     MeterLog meters;
     rig.transport.setMeterListener(&meters);
     ASSERT_EQ(rig.transport.play(), 1);
     EXPECT_EQ(meters.loads.size(), 2u);
-    rig.device.playOne();
+    rig.playOne();
     EXPECT_EQ(meters.peaks.size(), 3u);
     rig.transport.close();
+    EXPECT_FALSE(rig.transport.isPlaying());
+    EXPECT_EQ(rig.transport.state(), StreamState::Closed);
     EXPECT_EQ(meters.peaks.back(), std::make_pair(0.0f, 0.0f));
-    EXPECT_EQ(meters.loads.back(), 0.0f);
     rig.transport.setMeterListener(nullptr);
     ASSERT_EQ(rig.transport.play(), 1);
     EXPECT_EQ(meters.peaks.size(), 4u);
 }
 
-// The ruler's move waits for the next fill while the stream runs (the render owns the pass), and
-// is made at once while it does not; the song position shows the target at once either way.
-TEST(Transport, MovingToASongPositionWaitsForTheNextFillOnlyWhileRunning)
+// The ruler's move is handed to the next render while the stream runs (the render owns the pass),
+// and made at once while it does not; the song position shows the target at once either way.
+TEST(Transport, MovingToASongPositionIsARequestOnlyWhileRunning)
 {
     TransportRig rig;
     SongPlayer& player = rig.song.player();
@@ -182,8 +136,7 @@ TEST(Transport, MovingToASongPositionWaitsForTheNextFillOnlyWhileRunning)
     rig.transport.moveToSongPosition(2);
     EXPECT_EQ(player.songPosition(), 2);
     EXPECT_EQ(player.position(), twoBuffers);
-    ASSERT_TRUE(rig.device.playOne());
-    EXPECT_EQ(player.songPosition(), 2);
+    rig.playOne();
     EXPECT_EQ(player.position(), twoBuffers / 2) << "one buffer from the start of the position";
 
     rig.transport.close();
@@ -192,16 +145,28 @@ TEST(Transport, MovingToASongPositionWaitsForTheNextFillOnlyWhileRunning)
     EXPECT_EQ(player.position(), 0u);
 }
 
-TEST(Transport, ChangeFormatReopensOnlyARunningStreamInTheNewFormat)
+// Play starts the stream in the song's format; the Settings dialog's format change reopens only a
+// running stream, in the new format; without a device the song stays stopped.
+TEST(Transport, PlaysInTheSongsFormatReopensForANewFormatOnlyWhileRunningAndStaysStoppedWithoutADevice)
 {
     TransportRig rig;
+    EXPECT_EQ(rig.transport.source(), &rig.song.player());
     rig.transport.changeFormat({ 44100, 32, 1 });
-    EXPECT_FALSE(rig.transport.isRunning());
-    EXPECT_EQ(rig.device.opens(), 0);
+    EXPECT_FALSE(rig.device.isOpen());
     ASSERT_EQ(rig.transport.play(), 1);
+    EXPECT_TRUE(rig.transport.isRunning());
+    EXPECT_TRUE(rig.transport.isPlaying());
+    EXPECT_EQ(rig.transport.waveFormat().samplesPerSecond, 44100u);
+    EXPECT_EQ(rig.transport.waveFormat().channels, 1);
     rig.transport.changeFormat({ 11025, 32, 2 });
     EXPECT_TRUE(rig.transport.isRunning());
-    EXPECT_EQ(rig.device.opens(), 2);
-    EXPECT_EQ(rig.device.openedFormat().samplesPerSecond, 11025u);
-    EXPECT_EQ(rig.device.openedFormat().channels, 2);
+    EXPECT_EQ(rig.device.outputsClosed, 1);
+    EXPECT_EQ(rig.transport.waveFormat().samplesPerSecond, 11025u);
+    EXPECT_EQ(rig.transport.waveFormat().channels, 2);
+
+    TransportRig failing;
+    failing.device.openResult = WaveResult::NoDevice;
+    EXPECT_EQ(failing.transport.play(), 0);
+    EXPECT_FALSE(failing.transport.isPlaying());
+    EXPECT_FALSE(failing.transport.isRunning());
 }

@@ -42,9 +42,8 @@ struct ShownCanvas {
     QMainWindow frame;
     Canvas canvas { root, &frame };
     bool menusBuilt = false;
-    explicit ShownCanvas(bool refuseClose = false)
+    ShownCanvas()
     {
-        root.refuseClose = refuseClose;
         canvas.buildMenus = [this](QMenuBar* menuBar) {
             menuBar->addMenu("File");
             return menusBuilt = true;
@@ -64,32 +63,32 @@ struct ShownCanvas {
 
 TEST(Canvas, CreatesSizesPaintsAndClosesTheRootThroughItsMessagesAndRepaintsOnlyInvalidatedParts)
 {
-    for (bool refuseClose : { false, true }) {
-        ShownCanvas shown(refuseClose);
-        EXPECT_TRUE(shown.menusBuilt);
-        EXPECT_EQ(shown.root.count(kMessageCreate), 1);
-        EXPECT_GE(shown.root.count(kMessageSize), 1);
-        EXPECT_GE(shown.root.count(kMessagePaint), 1);
-        EXPECT_EQ(shown.root.windowHandle(), &shown.canvas);
-        // The root fills the canvas: the client area less the menu bar's room.
-        EXPECT_EQ(*shown.root.rect(), (ElemRect { 0, 0, shown.canvas.width(), shown.canvas.height() }));
-        EXPECT_GT(shown.canvas.menuBarHeight(), 0);
-        EXPECT_EQ(shown.root.backBuffer().image().size(), shown.canvas.size());
-        // Pixels the root presents are shown without another paint message; an invalidated
-        // part needs one.
-        int paints = shown.root.count(kMessagePaint);
-        shown.canvas.present(QRegion(0, 0, 10, 10));
-        shown.canvas.repaint(0, 0, 10, 10);
-        EXPECT_EQ(shown.root.count(kMessagePaint), paints);
-        shown.canvas.invalidate({ 0, 0, 10, 10 });
-        shown.canvas.repaint(0, 0, 10, 10);
-        EXPECT_EQ(shown.root.count(kMessagePaint), paints + 1);
-        // A root that does not destroy the window keeps it open.
+    ShownCanvas shown;
+    EXPECT_TRUE(shown.menusBuilt);
+    EXPECT_EQ(shown.root.count(kMessageCreate), 1);
+    EXPECT_GE(shown.root.count(kMessageSize), 1);
+    EXPECT_EQ(shown.root.windowHandle(), &shown.canvas);
+    // The root fills the canvas: the client area less the menu bar's room.
+    EXPECT_EQ(*shown.root.rect(), (ElemRect { 0, 0, shown.canvas.width(), shown.canvas.height() }));
+    EXPECT_GT(shown.canvas.menuBarHeight(), 0);
+    EXPECT_EQ(shown.root.backBuffer().image().size(), shown.canvas.size());
+    // Pixels the root presents are shown without another paint message; an invalidated part
+    // needs one.
+    int paints = shown.root.count(kMessagePaint);
+    shown.canvas.present(QRegion(0, 0, 10, 10));
+    shown.canvas.repaint(0, 0, 10, 10);
+    EXPECT_EQ(shown.root.count(kMessagePaint), paints);
+    shown.canvas.invalidate({ 0, 0, 10, 10 });
+    shown.canvas.repaint(0, 0, 10, 10);
+    EXPECT_EQ(shown.root.count(kMessagePaint), paints + 1);
+    // A root that does not destroy the window keeps it open; once it does, the window closes.
+    for (bool refuseClose : { true, false }) {
+        shown.root.refuseClose = refuseClose;
         EXPECT_EQ(shown.frame.close(), !refuseClose);
-        EXPECT_EQ(shown.root.count(kMessageClose), 1);
         EXPECT_EQ(shown.root.count(kMessageDestroy), refuseClose ? 0 : 1);
         EXPECT_EQ(shown.frame.isVisible(), refuseClose);
     }
+    EXPECT_EQ(shown.root.count(kMessageClose), 2);
 }
 
 TEST(Canvas, TurnsMouseAndKeysIntoStylusMessagesWithCapture)

@@ -79,6 +79,7 @@ public:
         return popupChoice;
     }
     void checkMenuItem(uint32_t id, bool checked) override { checkedItems[id] = checked; }
+    void setZoom(int32_t) override { }
     void setMenuItemsAfter(uint32_t anchor, const std::vector<PopupMenuItem>& items) override { menuItemsAfter[anchor] = items; }
     std::unique_ptr<PlatformTextEdit> createTextEdit() override
     {

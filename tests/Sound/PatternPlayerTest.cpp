@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 using namespace pulsara;
 using pulsara::test::PlayerRig;
@@ -55,23 +56,19 @@ TEST(PatternPlayerDeathTest, FramesPerStepWithoutAFormatIsFatal)
 // and with fractional as with whole frames per step.
 TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
 {
-    struct Case {
-        uint32_t rate;
-        float tempo;
-        uint32_t beats;
-        std::vector<uint32_t> blocks;
+    const std::tuple<uint32_t, float, uint32_t, std::vector<uint32_t>> cases[] = {
+        { 44100, 150.0f, 4, { 8800 } },
+        { 44100, 150.0f, 4, { 4410, 4409, 1, 333 } },
+        { 44100, 150.0f, 4, { 70559 } }, // exactly one pass per block
+        { 44100, 173.0f, 4, { 64, 1000, 7, 3000 } },
+        { 22050, 300.0f, 1, { 8800, 13 } }, // a block spans several passes
+        { 48000, 61.0f, 3, { 2047 } },
+        { 22050, 120.0f, 16, { 1234 } }, // a whole 11025 frames per step
     };
-    for (const Case& c : std::vector<Case> {
-             { 44100, 150.0f, 4, { 8800 } },
-             { 44100, 150.0f, 4, { 4410, 4409, 1, 333 } },
-             { 44100, 150.0f, 4, { 70559 } }, // exactly one pass per block
-             { 44100, 173.0f, 4, { 64, 1000, 7, 3000 } },
-             { 22050, 300.0f, 1, { 8800, 13 } }, // a block spans several passes
-             { 48000, 61.0f, 3, { 2047 } },
-             { 22050, 120.0f, 16, { 1234 } }, // a whole 11025 frames per step
-         }) {
-        LoopingRig rig(c.rate, 1, c.tempo);
-        rig.player.setBeatsPerPattern(c.beats);
+    for (const auto& [rate, tempo, beats, blocks] : cases) {
+        SCOPED_TRACE(::testing::Message() << rate << " Hz, tempo " << tempo << ", block " << blocks[0]);
+        LoopingRig rig(rate, 1, tempo);
+        rig.player.setBeatsPerPattern(beats);
         rig.clickEveryStep().start();
         double framesPerStep = rig.player.framesPerStep();
         auto pass = static_cast<uint64_t>(16 * framesPerStep);
@@ -80,12 +77,13 @@ TEST(PatternPlayer, EveryStepTriggersOnceAtItsStartFrame)
             for (uint32_t step = 0; step < 16; ++step)
                 starts.push_back(k * pass + static_cast<uint64_t>(step * framesPerStep));
         }
-        EXPECT_EQ(soundingFrames(rig.render(3 * pass, c.blocks)), starts)
-            << c.rate << " Hz, tempo " << c.tempo << ", block " << c.blocks[0];
+        EXPECT_EQ(soundingFrames(rig.render(3 * pass, blocks)), starts);
     }
 }
 
-TEST(PatternPlayer, StepVolumeIsScaledByMasterAndInstrumentVolume)
+// A step sounds at its volume times the master and instrument volumes; a live note at the master
+// and instrument volumes, once, from the next block, whether or not the song plays.
+TEST(PatternPlayer, NotesAreScaledByMasterAndInstrumentVolumeAndALiveNotePlaysOnceAtTheNextBlock)
 {
     LoopingRig rig;
     rig.useClick(5, 1.0f);
@@ -93,12 +91,28 @@ TEST(PatternPlayer, StepVolumeIsScaledByMasterAndInstrumentVolume)
     rig.player.setVolume(0.7f);
     rig.player.pattern(0).setCell(5, 0, { 0.25f, 1.0f, 0 });
     EXPECT_EQ(rig.start().render(64, { 64 })[0], 0.25f * 0.7f * 0.5f);
+    rig.player.stop();
+    rig.player.triggerLive(5);
+    EXPECT_EQ(rig.player.soloTrack(), 5);
+    std::vector<float> out = rig.render(256, { 256 });
+    EXPECT_EQ(soundingFrames(out), std::vector<uint64_t> { 0 });
+    EXPECT_EQ(out[0], 0.7f * 0.5f);
+    EXPECT_TRUE(soundingFrames(rig.render(256, { 256 })).empty());
+    // A live note with a volume and a rate of its own (a MIDI key), beside the stopped song.
+    rig.player.playLive(PatternPlayer::LiveSource::Midi, { 5, 0.5f, 1.0f });
+    EXPECT_EQ(rig.render(256, { 256 })[0], 0.5f * 0.7f * 0.5f);
+    // A sample heard on its own plays at the master volume until it is stopped.
+    rig.player.audition().setFrames(std::vector<float>(512, 0.5f), 1);
+    rig.player.playAudition();
+    EXPECT_EQ(rig.render(256, { 256 })[255], 0.5f * 0.7f);
+    rig.player.stopAudition();
+    EXPECT_TRUE(soundingFrames(rig.render(256, { 256 })).empty());
 }
 
 TEST(PatternPlayer, StoppedPlayerRendersSilenceAndKeepsItsPosition)
 {
     LoopingRig rig;
-    rig.clickEveryStep().useConstant(0, 100000);
+    rig.clickEveryStep().instruments[0].sample().setFrames(std::vector<float>(100000, 1.0f), 1);
     rig.player.setMode(0);
     rig.player.seek(0);
     EXPECT_TRUE(soundingFrames(rig.render(10000, { 1000 })).empty());
@@ -110,19 +124,6 @@ TEST(PatternPlayer, StoppedPlayerRendersSilenceAndKeepsItsPosition)
     // Stopping also silences the notes that were sounding.
     EXPECT_TRUE(soundingFrames(rig.render(1000, { 1000 })).empty());
     EXPECT_EQ(rig.player.position(), 1000u);
-}
-
-TEST(PatternPlayer, LiveTriggerPlaysATrackOnceAtTheNextBlockWhetherOrNotPlaying)
-{
-    PlayerRig rig;
-    rig.useClick(7, 1.0f);
-    rig.player.setVolume(0.5f);
-    rig.player.triggerLive(7);
-    EXPECT_EQ(rig.player.soloTrack(), 7);
-    std::vector<float> out = rig.render(256, { 256 });
-    EXPECT_EQ(soundingFrames(out), std::vector<uint64_t> { 0 });
-    EXPECT_EQ(out[0], 0.5f);
-    EXPECT_TRUE(soundingFrames(rig.render(256, { 256 })).empty());
 }
 
 TEST(PatternPlayer, TempoChangeKeepsTheRelativePointOfThePass)

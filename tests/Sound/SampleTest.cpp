@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 using namespace pulsara;
@@ -21,7 +22,7 @@ void fillRamp(Sample& sample, uint32_t frames, uint32_t channels)
 
 } // namespace
 
-TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
+TEST(Sample, MixesOrRendersFromItsPositionAtItsRateAndStopsAtTheEnd)
 {
     using enum Interpolation;
     const struct {
@@ -37,13 +38,13 @@ TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
         std::vector<float> out; // mixed onto 0.5 in every float
         double endPosition;
         bool stillPlaying;
+        bool render = false; // clears the block before it mixes
     } cases[] = {
         { "a copy from the start", 1, 1.0f, 0.0, 1.0f, None, true, 1, -1, { 1.5f, 2.5f, 3.5f, 4.5f }, 4.0, true },
         { "a copy up to the end", 1, 1.0f, 6.0, 1.0f, None, true, 1, -1, { 7.5f, 8.5f, 9.5f, 10.5f, 0.5f, 0.5f }, 10.0,
             false },
         { "a copy from the whole frame of a fraction", 2, 1.0f, 2.75, 0.5f, None, true, 2, -1,
             { 2.0f, -1.0f, 2.5f, -1.5f }, 4.75, true },
-        { "a stopped sample", 1, 1.0f, 0.0, 1.0f, None, false, 1, 0, { 0.5f, 0.5f, 0.5f, 0.5f }, 0.0, false },
         { "a copy beyond the end", 1, 1.0f, 12.0, 1.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0, false },
         { "a resampling beyond the end", 1, 0.5f, 12.0, 1.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0,
             false },
@@ -55,6 +56,8 @@ TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
         { "a silent resampling", 1, 1.5f, 0.0, 0.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 6.0, true },
         { "a copy into stereo", 1, 1.0f, 0.0, 1.0f, None, true, 2, -1, std::vector<float>(8, 0.5f), 0.0, false },
         { "a resampling into stereo", 1, 0.5f, 0.0, 1.0f, None, true, 2, -1, std::vector<float>(8, 0.5f), 0.0, false },
+        { "a render", 1, 1.0f, 0.0, 1.0f, None, true, 1, -1, { 1, 2, 3, 4 }, 4.0, true, true },
+        { "a render of a stopped sample", 1, 1.0f, 0.0, 1.0f, None, false, 1, 0, { 0, 0, 0, 0 }, 0.0, false, true },
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.what);
@@ -66,24 +69,13 @@ TEST(Sample, MixesFromItsPositionAtItsRateAndStopsAtTheEnd)
         sample.setInterpolation(test.method);
         sample.setPlaying(test.playing);
         std::vector<float> out(test.out.size(), 0.5f);
-        EXPECT_EQ(sample.mix(out.data(), static_cast<uint32_t>(out.size()) / test.outChannels, test.outChannels),
+        auto frames = static_cast<uint32_t>(out.size()) / test.outChannels;
+        EXPECT_EQ(test.render ? sample.render(out.data(), frames, test.outChannels) : sample.mix(out.data(), frames, test.outChannels),
             test.result);
         EXPECT_EQ(out, test.out);
         EXPECT_EQ(sample.position(), test.endPosition);
         EXPECT_EQ(sample.isPlaying(), test.stillPlaying);
     }
-}
-
-TEST(Sample, RenderClearsTheBlockFirst)
-{
-    Sample sample;
-    fillRamp(sample, 10, 1);
-    std::vector<float> out(4, 7.0f);
-    EXPECT_EQ(sample.render(out.data(), 4, 1), -1);
-    EXPECT_EQ(out, (std::vector<float> { 1, 2, 3, 4 }));
-    sample.setPlaying(false);
-    EXPECT_EQ(sample.render(out.data(), 4, 1), 0);
-    EXPECT_EQ(out, std::vector<float>(4, 0.0f));
 }
 
 TEST(SampleDeathTest, ResamplingIntoThreeChannelsIsFatal)
@@ -137,25 +129,22 @@ TEST(Sample, SetFramesKeepsASilentSpareFrameAndUnloadEmptiesIt)
 // mix without a frame of the new data, and the next note plays the new data from its start.
 TEST(Sample, ANoteStopsWhenItsDataIsReplacedAndTheNextNotePlaysTheNewData)
 {
-    const struct {
-        const char* what;
-        std::vector<float> replacement; // empty: unloaded
-        std::vector<float> nextNote;
-    } cases[] = {
+    // The replacement (empty: unloaded) and what the next note plays.
+    const std::tuple<const char*, std::vector<float>, std::vector<float>> cases[] = {
         { "longer data", std::vector<float>(20, 9.0f), { 9, 9, 9, 9 } },
         { "shorter data", { 7, 7 }, { 7, 7, 0, 0 } },
         { "no data", {}, { 0, 0, 0, 0 } },
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.what);
+    for (const auto& [what, replacement, nextNote] : cases) {
+        SCOPED_TRACE(what);
         Sample sample;
         fillRamp(sample, 10, 1);
         std::vector<float> out(4, 0.0f);
         ASSERT_EQ(sample.mix(out.data(), 3, 1), -1);
-        if (test.replacement.empty())
+        if (replacement.empty())
             sample.unload();
         else
-            ASSERT_TRUE(sample.setFrames(test.replacement, 1));
+            ASSERT_TRUE(sample.setFrames(replacement, 1));
         out.assign(4, 0.0f);
         EXPECT_EQ(sample.mix(out.data(), 4, 1), -1);
         EXPECT_EQ(out, std::vector<float>(4, 0.0f));
@@ -163,6 +152,6 @@ TEST(Sample, ANoteStopsWhenItsDataIsReplacedAndTheNextNotePlaysTheNewData)
         EXPECT_EQ(sample.position(), 0.0);
         sample.setPlaying(true);
         sample.mix(out.data(), 4, 1);
-        EXPECT_EQ(out, test.nextNote);
+        EXPECT_EQ(out, nextNote);
     }
 }

@@ -1,15 +1,14 @@
 #include "Sound/WaveOutStream.h"
 
-#include "support/FakeWaveDevice.h"
-#include "support/RecordingStream.h"
+#include "support/PulledWaveDevice.h"
 #include "support/ReportRecorder.h"
 #include "support/ScriptedSource.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <limits>
+#include <tuple>
 
 using namespace pulsara;
 using namespace pulsara::testing;
@@ -18,13 +17,35 @@ using pulsara::test::ReportRecorder;
 
 namespace {
 
-using Calls = std::vector<std::string>;
 using Peaks = std::vector<std::pair<float, float>>;
+using Samples = std::vector<int16_t>;
 
 // Advances ten milliseconds every time it is read.
 std::atomic<uint32_t> fakeNow { 1000 };
 uint32_t steppingClock() { return fakeNow.fetch_add(10); }
 
+// Keeps every meter notification, as the application's meters would receive them. With
+// `holdStop` it skips the stop that start makes before it reopens, which reaches the state the
+// design allows after a survived close failure: Resetting with no device.
+class RecordingStream : public WaveOutStream {
+public:
+    using WaveOutStream::WaveOutStream;
+    Peaks peaks;
+    std::vector<float> loads;
+    bool holdStop = false;
+    void stop() override
+    {
+        if (!holdStop)
+            WaveOutStream::stop();
+    }
+
+protected:
+    void onPeaks(float left, float right) override { peaks.emplace_back(left, right); }
+    void onCpuLoad(float load) override { loads.push_back(load); }
+};
+
+// A stream fed by a script on the real queue; its output is played by hand on the test's thread,
+// which also receives the done notifications.
 struct StreamRig {
     explicit StreamRig(AudioFormat audioFormat = { 44100, 32, 1 }, int latency = 200, TickClock clock = steadyTickCount)
         : format(audioFormat)
@@ -33,9 +54,11 @@ struct StreamRig {
         stream.setFormat(&format);
         stream.setLatency(latency);
     }
+    // Plays one whole buffer.
+    Samples playOne() { return device.pull(uint32_t(stream.deviceBufferBytes(0) / 2 / format.channels), format.channels); }
 
     AudioFormat format;
-    FakeWaveDevice device;
+    PulledWaveDevice device;
     ScriptedSource source;
     RecordingStream stream;
 };
@@ -46,390 +69,281 @@ struct RecordingWindow : WaveDeviceListener {
     std::vector<uint32_t> messages;
 };
 
-// Lets a test reach the state the design allows after a survived close failure: Resetting with
-// no device, by skipping the stop that start makes before it reopens.
-class StreamWithHeldStop : public RecordingStream {
-public:
-    using RecordingStream::RecordingStream;
-    bool holdStop = false;
-    void stop() override
-    {
-        if (!holdStop)
-            RecordingStream::stop();
-    }
-};
-
-} // namespace
-
-TEST(WaveOutStream, SizesBuffersToWholeUnitsOfTheLatencyPeriod)
-{
-    struct Case {
-        uint32_t rate;
-        uint8_t channels;
-        int latency;
-        size_t deviceBytes; // 0: too short for one unit of 32 samples, so start fails
-        uint32_t renderFrames;
-    };
-    const Case cases[] = {
-        { 44100, 1, 200, 17600, 8800 },
-        { 44100, 2, 200, 35264, 8816 },
-        { 22050, 1, 30, 1280, 640 }, // 661 frames round down to 640
-        { 48000, 2, 100, 19200, 4800 },
-        { 44100, 1, 50, 4352, 2176 },
-        { 8000, 1, 3, 0, 0 },
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(::testing::Message() << c.rate << " Hz, " << int(c.channels) << " ch, " << c.latency << " ms");
-        StreamRig rig({ c.rate, 32, c.channels }, c.latency);
-        EXPECT_EQ(rig.source.lastLatency.load(), c.latency);
-        ASSERT_EQ(rig.stream.start(), c.deviceBytes ? 1 : 0);
-        EXPECT_EQ(rig.source.lastFrames.load(), c.renderFrames);
-        if (!c.deviceBytes)
-            continue;
-        EXPECT_EQ(rig.stream.deviceBufferBytes(0), c.deviceBytes);
-        EXPECT_EQ(rig.stream.deviceBufferBytes(1), c.deviceBytes);
-        EXPECT_EQ(rig.stream.floatBufferBytes(), 2 * c.deviceBytes);
-        EXPECT_EQ(rig.device.queuedHeader(0)->bufferLength, c.deviceBytes);
-    }
-}
-
-TEST(WaveOutStream, StartOpens16BitPcmAndQueuesTwoFillsOnce)
-{
-    StreamRig rig({ 22050, 32, 2 });
-    EXPECT_EQ(rig.source.format(), &rig.format);
-    ASSERT_EQ(rig.stream.start(), 1);
-    WaveFormat opened = rig.device.openedFormat();
-    EXPECT_EQ((std::vector<uint32_t> { opened.formatTag, opened.channels, opened.samplesPerSecond, opened.bitsPerSample,
-                  opened.blockAlign, opened.averageBytesPerSecond, opened.extraSize }),
-        (std::vector<uint32_t> { 1, 2, 22050, 16, 4, 88200, 18 }));
-    EXPECT_EQ(rig.stream.state(), StreamState::Playing);
-    EXPECT_EQ(rig.device.calls(), (Calls { "open", "prepare", "prepare", "write", "write" }));
-    EXPECT_EQ(rig.source.renders.load(), 2);
-    ASSERT_EQ(rig.device.queued(), 2u);
-    EXPECT_NE(rig.device.queuedHeader(0), rig.device.queuedHeader(1));
-    // Without a window the device reports to the stream itself.
-    EXPECT_NE(rig.device.listener(), nullptr);
-
-    rig.device.clearCalls();
-    EXPECT_EQ(rig.stream.start(), 1);
-    EXPECT_TRUE(rig.device.calls().empty());
-    EXPECT_EQ(rig.source.renders.load(), 2);
-}
-
-namespace {
-
-// A device that plays the first buffer the moment it is queued, before the stream can queue the
-// second, as a fast device thread may.
-struct EagerDevice : FakeWaveDevice {
-    WaveResult write(WaveHeader& header) override
-    {
-        WaveResult result = FakeWaveDevice::write(header);
-        if (++writes == 1)
-            playOne();
-        return result;
-    }
-    int writes = 0;
-};
-
-// Renders period n (counting from 1) as the value n / 8, and notes how many buffers the device
-// had been given when each render began.
+// Renders period n (counting from 1) as the value n / 8.
 struct PeriodSource : ScriptedSource {
-    explicit PeriodSource(const EagerDevice& device)
-        : device(device)
-    {
-    }
     void render(float* out, uint32_t frames, uint32_t channels) override
     {
-        writesBefore.push_back(device.writes);
-        std::fill(out, out + size_t { frames } * channels, static_cast<float>(renders.fetch_add(1) + 1) / 8.0f);
+        tail = { static_cast<float>(renders.load() + 1) / 8.0f };
+        ScriptedSource::render(out, frames, channels);
     }
-    const EagerDevice& device;
-    std::vector<int> writesBefore;
+};
+
+// Notes how many periods the source had rendered when each buffer was written; with `eager` its
+// output plays the first buffer whole the moment it is queued, before the stream can queue the
+// second, as a fast device thread may.
+struct CountingDevice : PulledWaveDevice {
+    WaveResult write(WaveHeader& header) override
+    {
+        rendersAtWrite.push_back(source->renders.load());
+        WaveResult result = PulledWaveDevice::write(header);
+        if (rendersAtWrite.size() == 1 && eager)
+            firstPlayed = pull(header.bufferLength / 2);
+        return result;
+    }
+    const PeriodSource* source = nullptr;
+    bool eager = false;
+    std::vector<int> rendersAtWrite;
+    Samples firstPlayed;
 };
 
 } // namespace
 
-TEST(WaveOutStream, StartRendersBothBuffersBeforeQueuingAndAFastDeviceStillPlaysThemInOrder)
+// The device always gets 16-bit PCM, whatever the mix's sample size, with the extra size of 18.
+TEST(WaveOutStream, StartOpens16BitPcmWithBuffersOfWholeUnitsOfTheLatencyPeriod)
 {
-    AudioFormat format { 44100, 32, 1 };
-    EagerDevice device;
-    PeriodSource source(device);
-    RecordingStream stream(device, &source);
-    stream.setFormat(&format);
-    ASSERT_EQ(stream.start(), 1);
-    EXPECT_EQ(source.writesBefore, (std::vector<int> { 0, 0 }));
-    std::vector<int16_t> firstSamples { device.lastPlayed().at(0) };
-    for (int played = 0; played < 3 && device.playOne(); ++played)
-        firstSamples.push_back(device.lastPlayed().at(0));
-    // Periods 1 to 4 at full scale 32767, truncated.
-    EXPECT_EQ(firstSamples, (std::vector<int16_t> { 4095, 8191, 12287, 16383 }));
+    // Rate, channels, latency, bytes per device buffer, frames per render, bytes per second.
+    const std::tuple<uint32_t, uint16_t, int, size_t, uint32_t, uint32_t> cases[] = {
+        { 44100, 1, 200, 17600, 8800, 88200 },
+        { 44100, 2, 200, 35264, 8816, 176400 },
+        { 22050, 1, 30, 1280, 640, 44100 }, // 661 frames round down to 640
+        { 48000, 2, 100, 19200, 4800, 192000 },
+    };
+    for (const auto& [rate, channels, latency, deviceBytes, renderFrames, bytesPerSecond] : cases) {
+        SCOPED_TRACE(::testing::Message() << rate << " Hz, " << channels << " ch, " << latency << " ms");
+        StreamRig rig({ rate, 32, static_cast<uint8_t>(channels) }, latency);
+        EXPECT_EQ(rig.source.format(), &rig.format);
+        EXPECT_EQ(rig.source.lastLatency.load(), latency);
+        ASSERT_EQ(rig.stream.start(), 1);
+        const WaveFormat& opened = rig.stream.waveFormat();
+        EXPECT_EQ((std::vector<uint32_t> { opened.formatTag, opened.channels, opened.samplesPerSecond, opened.bitsPerSample,
+                      opened.blockAlign, opened.averageBytesPerSecond, opened.extraSize }),
+            (std::vector<uint32_t> { 1, channels, rate, 16, channels * 2u, bytesPerSecond, 18 }));
+        EXPECT_EQ(rig.source.lastFrames.load(), renderFrames);
+        EXPECT_EQ(rig.stream.deviceBufferBytes(0), deviceBytes);
+        EXPECT_EQ(rig.stream.deviceBufferBytes(1), deviceBytes);
+        EXPECT_EQ(rig.stream.floatBufferBytes(), 2 * deviceBytes);
+    }
 }
 
-TEST(WaveOutStream, DoneWhilePlayingRefillsTheBufferJustPlayed)
+// Each buffer handed back is refilled with the next period, so the device plays every period once
+// and in order, even when it hands the first buffer back before start has queued the second.
+// The stream keeps its built-in format (44100 Hz mono, 16 bits), whose render count is capped at
+// the 8800 frames that fit, and closes the device when it is destroyed.
+TEST(WaveOutStream, StartRendersBothBuffersBeforeQueuingEitherAndThePeriodsPlayInOrder)
 {
-    StreamRig rig;
-    ASSERT_EQ(rig.stream.start(), 1);
-    WaveHeader* first = rig.device.queuedHeader(0);
-    WaveHeader* second = rig.device.queuedHeader(1);
-    ASSERT_TRUE(rig.device.playOne());
-    EXPECT_EQ(rig.source.renders.load(), 3);
-    EXPECT_EQ(rig.stream.peaks.size(), 3u);
-    ASSERT_EQ(rig.device.queued(), 2u);
-    EXPECT_EQ(rig.device.queuedHeader(0), second);
-    EXPECT_EQ(rig.device.queuedHeader(1), first);
-    ASSERT_TRUE(rig.device.playOne());
-    EXPECT_EQ(rig.device.queuedHeader(1), second);
+    for (bool eager : { false, true }) {
+        SCOPED_TRACE(eager ? "a device that plays at once" : "a device that waits to be pulled");
+        PeriodSource source;
+        CountingDevice device;
+        device.source = &source;
+        device.eager = eager;
+        {
+            RecordingStream stream(device, &source);
+            ASSERT_EQ(stream.start(), 1);
+            ASSERT_FALSE(device.rendersAtWrite.empty());
+            EXPECT_EQ(device.rendersAtWrite[0], 2);
+            Samples firstSamples;
+            if (eager)
+                firstSamples.push_back(device.firstPlayed.at(0));
+            while (firstSamples.size() < 5)
+                firstSamples.push_back(device.pull(8800).at(0));
+            // Periods 1 to 5 at full scale 32767, truncated.
+            EXPECT_EQ(firstSamples, (Samples { 4095, 8191, 12287, 16383, 20479 }));
+            EXPECT_EQ(source.renders.load(), 7) << "two buffers stay queued behind the ones played";
+            EXPECT_EQ(source.lastFrames.load(), 8800u);
+        }
+        EXPECT_FALSE(device.isOpen());
+    }
 }
 
-TEST(WaveOutStream, StopPausesResetsUnpreparesAndClosesThenZeroesTheMeters)
+TEST(WaveOutStream, StopClosesAtOnceWithoutRefillingAndZeroesTheMetersAndAClosedStreamIgnoresIt)
 {
     StreamRig rig;
-    rig.source.tail = { 0.5f };
+    rig.source.tail = { 1.5f };
     ASSERT_EQ(rig.stream.start(), 1);
-    rig.device.clearCalls();
+    rig.playOne();
+    EXPECT_EQ(rig.stream.position(), 8800u);
+    ASSERT_TRUE(rig.stream.isClipped());
     rig.stream.peaks.clear();
     rig.stream.loads.clear();
     rig.stream.stop();
     EXPECT_EQ(rig.stream.state(), StreamState::Closed);
-    EXPECT_EQ(rig.device.calls(), (Calls { "pause", "reset", "unprepare", "unprepare", "close" }));
     EXPECT_FALSE(rig.device.isOpen());
     EXPECT_EQ(rig.stream.peaks, (Peaks { { 0.0f, 0.0f } }));
     EXPECT_EQ(rig.stream.loads, (std::vector<float> { 0.0f }));
     EXPECT_FALSE(rig.stream.isClipped());
-    // The buffers the reset returned were not refilled.
-    EXPECT_EQ(rig.source.renders.load(), 2);
+    EXPECT_EQ(rig.source.renders.load(), 3) << "the buffers the reset returned were not refilled";
+    EXPECT_EQ(rig.stream.position(), 0u);
+
+    // The device's open, close and done messages are taken; a done neither fills nor stops.
+    for (uint32_t message : { 955u, 956u, 957u, 0u, 954u, 958u, 0x400u })
+        EXPECT_EQ(rig.stream.onDeviceMessage(message), message >= 955 && message <= 957 ? 1 : 0) << message;
+    rig.stream.stop();
+    EXPECT_EQ(rig.stream.stopGracefully(), 1);
+    EXPECT_EQ(rig.source.renders.load(), 3);
+    EXPECT_EQ(rig.stream.peaks.size(), 1u) << "a closed stream's stop leaves the meters alone";
+    EXPECT_EQ(rig.device.outputsClosed, 1);
 }
 
-TEST(WaveOutStream, StopGracefullyLetsBothQueuedBuffersPlayBeforeClosing)
+// The background drain: the owner's timer asks finishDrain until the device has played the
+// queued buffers, none refilled or cut short; a start meanwhile resumes on the open device.
+TEST(WaveOutStream, DrainPlaysTheQueuedBuffersOutBeforeClosingAndStartResumesIt)
 {
     StreamRig rig;
+    rig.source.tail = { 0.5f };
     ASSERT_EQ(rig.stream.start(), 1);
-    {
-        DevicePlayer player(rig.device, [&] { return rig.stream.state() == StreamState::Draining; });
-        EXPECT_EQ(rig.stream.stopGracefully(), 1);
-    }
-    EXPECT_EQ(rig.stream.state(), StreamState::Closed);
-    // Both buffers played out (the close succeeded without a reset); done while draining does
-    // not refill.
+    EXPECT_EQ(rig.stream.start(), 1) << "a playing stream goes on as it is";
+    rig.stream.beginDrain();
+    EXPECT_EQ(rig.stream.state(), StreamState::Draining);
+    EXPECT_FALSE(rig.stream.finishDrain());
+    EXPECT_EQ(rig.playOne(), Samples(8800, 16383));
     EXPECT_EQ(rig.source.renders.load(), 2);
-    Calls calls = rig.device.calls();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), "write"), 2);
-    EXPECT_EQ(calls.back(), "close");
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), "reset"), 0);
+
+    EXPECT_EQ(rig.stream.start(), 1);
+    EXPECT_EQ(rig.playOne(), Samples(8800, 16383));
+    EXPECT_EQ(rig.source.renders.load(), 3) << "refilled again";
+
+    rig.stream.beginDrain();
+    EXPECT_FALSE(rig.stream.finishDrain());
+    EXPECT_EQ(rig.playOne(), Samples(8800, 16383));
+    EXPECT_TRUE(rig.stream.finishDrain());
+    EXPECT_EQ(rig.stream.state(), StreamState::Closed);
+    EXPECT_FALSE(rig.device.isOpen());
+    EXPECT_EQ(rig.device.outputsClosed, 1) << "never reopened";
+    EXPECT_EQ(rig.source.renders.load(), 3);
 }
 
-TEST(WaveOutStream, WindowPathDrainsOnDoneAndStartResumesWithoutReopening)
+TEST(WaveOutStream, WithAWindowTheWindowPassesDoneOnAndAGracefulStopEndsAtTheNextDone)
 {
     StreamRig rig;
     RecordingWindow window;
     rig.stream.setNotificationWindow(&window);
     ASSERT_EQ(rig.stream.start(), 1);
-    EXPECT_EQ(rig.device.listener(), &window);
-    EXPECT_EQ(window.messages, (std::vector<uint32_t> { 955 }));
-
-    ASSERT_TRUE(rig.device.playOne());
+    rig.playOne();
+    EXPECT_EQ(window.messages, (std::vector<uint32_t> { 955, 957 }));
     EXPECT_EQ(rig.source.renders.load(), 2);
     EXPECT_EQ(rig.stream.onDeviceMessage(957), 1);
     EXPECT_EQ(rig.source.renders.load(), 3);
 
     EXPECT_EQ(rig.stream.stopGracefully(), 1);
     EXPECT_EQ(rig.stream.state(), StreamState::Draining);
-    EXPECT_TRUE(rig.device.isOpen());
-
-    EXPECT_EQ(rig.stream.start(), 1);
-    EXPECT_EQ(rig.stream.state(), StreamState::Playing);
-    EXPECT_EQ(rig.device.opens(), 1);
-    EXPECT_EQ(rig.stream.onDeviceMessage(957), 1);
-    EXPECT_EQ(rig.source.renders.load(), 4);
-
-    EXPECT_EQ(rig.stream.stopGracefully(), 1);
     EXPECT_EQ(rig.stream.onDeviceMessage(957), 1);
     EXPECT_EQ(rig.stream.state(), StreamState::Closed);
     EXPECT_FALSE(rig.device.isOpen());
 }
 
-TEST(WaveOutStream, AClosedStreamAcceptsDeviceMessagesAndStopsWithoutTouchingTheDevice)
+TEST(WaveOutStream, LatencyChangeIsStoredWhileStoppedAndRestartsAPlayingStream)
 {
-    StreamRig rig;
-    for (uint32_t message : { 955u, 956u, 957u })
-        EXPECT_EQ(rig.stream.onDeviceMessage(message), 1) << message;
-    for (uint32_t message : { 0u, 954u, 958u, 0x400u })
-        EXPECT_EQ(rig.stream.onDeviceMessage(message), 0) << message;
-    rig.stream.stop();
-    EXPECT_EQ(rig.stream.stopGracefully(), 1);
-    EXPECT_EQ(rig.stream.state(), StreamState::Closed);
-    // Done while closed neither fills nor stops.
-    EXPECT_EQ(rig.source.renders.load(), 0);
-    EXPECT_TRUE(rig.device.calls().empty());
-    EXPECT_TRUE(rig.stream.peaks.empty());
-}
-
-TEST(WaveOutStream, LatencyChangeRestartsOnlyAPlayingStream)
-{
-    StreamRig rig;
-    rig.stream.setLatency(50);
-    EXPECT_EQ(rig.stream.latency(), 50);
-    EXPECT_TRUE(rig.device.calls().empty());
+    StreamRig rig; // which set its latency while stopped, as the sizing test's rigs do
+    rig.source.tail = { 0.5f };
+    EXPECT_FALSE(rig.device.isOpen());
     ASSERT_EQ(rig.stream.start(), 1);
     rig.stream.peaks.clear();
     rig.stream.setLatency(100);
     EXPECT_EQ(rig.source.lastLatency.load(), 100);
     EXPECT_EQ(rig.stream.state(), StreamState::Playing);
-    EXPECT_EQ(rig.device.opens(), 2);
-    EXPECT_EQ(rig.stream.deviceBufferBytes(0), 8768u); // 4410 frames round down to 4384
-    EXPECT_EQ(rig.device.queued(), 2u);
-    EXPECT_EQ(rig.device.queuedHeader(0)->bufferLength, 8768u);
+    EXPECT_EQ(rig.device.outputsClosed, 1);
+    EXPECT_TRUE(rig.device.isOpen());
+    EXPECT_EQ(rig.source.lastFrames.load(), 4384u); // 4410 frames round down
+    EXPECT_EQ(rig.stream.deviceBufferBytes(0), 8768u);
     // The stop in between dropped the meters to zero before the new fills.
-    ASSERT_EQ(rig.stream.peaks.size(), 3u);
-    EXPECT_EQ(rig.stream.peaks[0], std::make_pair(0.0f, 0.0f));
+    EXPECT_EQ(rig.stream.peaks, (Peaks { { 0.0f, 0.0f }, { 0.5f, 0.5f }, { 0.5f, 0.5f } }));
 }
 
 TEST(WaveOutStream, FailedStartLeavesTheStreamClosedAndTheNextStartReopens)
 {
     for (bool failOpen : { true, false }) {
-        SCOPED_TRACE(failOpen ? "open fails" : "prepare fails");
-        StreamRig rig;
-        (failOpen ? rig.device.openResult : rig.device.prepareResult) = WaveResult::InvalidBuffer;
+        SCOPED_TRACE(failOpen ? "open fails" : "prepare fails: 3 ms at 8000 Hz is less than one unit");
+        StreamRig rig({ 8000, 32, 1 }, failOpen ? 200 : 3);
+        rig.device.openResult = failOpen ? WaveResult::NoDevice : WaveResult::Ok;
         EXPECT_EQ(rig.stream.start(), 0);
         EXPECT_EQ(rig.device.isOpen(), !failOpen);
         EXPECT_EQ(rig.stream.state(), StreamState::Closed);
         EXPECT_EQ(rig.source.renders.load(), 0);
-        EXPECT_EQ(rig.stream.position(), 0u);
 
-        rig.device.openResult = rig.device.prepareResult = WaveResult::Ok;
+        rig.device.openResult = WaveResult::Ok;
+        rig.stream.setLatency(200);
         EXPECT_EQ(rig.stream.start(), 1);
-        EXPECT_EQ(rig.device.opens(), failOpen ? 1 : 2);
+        EXPECT_EQ(rig.device.outputsClosed, failOpen ? 0 : 1) << "a device left open is closed before it is opened again";
         EXPECT_EQ(rig.stream.state(), StreamState::Playing);
     }
 }
 
-TEST(WaveOutStream, CloseFailureInStopIsFatalAndLeavesItResetting)
+TEST(WaveOutStream, CloseFailureInStopAndPositionFailureAreFatalAndAFailedCloseLeavesItResetting)
 {
-    FakeWaveDevice device;
-    StreamWithHeldStop stream(device, nullptr);
+    PulledWaveDevice device;
+    RecordingStream stream(device, nullptr);
     ReportRecorder reports;
     FatalReportsUnwind unwind;
+    ASSERT_EQ(stream.start(), 1);
+    device.positionResult = WaveResult::NotOpen;
+    EXPECT_THROW(stream.position(), FatalErrorUnwind);
+    device.positionResult = WaveResult::Ok;
+    auto report = [&] { return std::tuple(reports.last().code, reports.last().source, reports.last().line, reports.last().message); };
+    EXPECT_EQ(report(), std::tuple(-1, "Sound/waveOut", 171, u"waveOutGetPosition"));
     for (int round = 0; round < 2; ++round) {
         ASSERT_EQ(stream.start(), 1);
-        EXPECT_EQ(device.opens(), round + 1); // the second start closed and reopened from Resetting
+        EXPECT_EQ(device.outputsClosed, round); // the second start closed and reopened from Resetting
         device.closeResult = WaveResult::StillPlaying;
         EXPECT_THROW(stream.stop(), FatalErrorUnwind);
         device.closeResult = WaveResult::Ok;
-        ASSERT_EQ(reports.reports().size(), round + 1u);
-        EXPECT_EQ(reports.last().code, -1);
-        EXPECT_EQ(reports.last().source, "Sound/waveOut");
-        EXPECT_EQ(reports.last().line, 126);
-        EXPECT_EQ(reports.last().message, u"Close");
+        ASSERT_EQ(reports.reports().size(), round + 2u);
+        EXPECT_EQ(report(), std::tuple(-1, "Sound/waveOut", 126, u"Close"));
         EXPECT_EQ(stream.state(), StreamState::Resetting);
         EXPECT_TRUE(device.isOpen());
     }
-    // A start whose reopen fails stays Resetting with no device; a stop then has nothing to do.
-    device.openResult = WaveResult::NoDevice;
+    // A start whose reopen fails (the device is still open) stays Resetting with no device; a
+    // stop then has nothing to do.
     stream.holdStop = true;
     EXPECT_EQ(stream.start(), 0);
     stream.holdStop = false;
     ASSERT_EQ(stream.state(), StreamState::Resetting);
-    device.clearCalls();
     stream.peaks.clear();
     stream.stop();
     EXPECT_EQ(stream.state(), StreamState::Resetting);
-    EXPECT_TRUE(device.calls().empty());
     EXPECT_TRUE(stream.peaks.empty());
     EXPECT_EQ(stream.position(), 0xFFFFFFFFu);
-}
-
-TEST(WaveOutStream, PositionIsTheDevicePositionWhileOpenAndItsFailureIsFatal)
-{
-    StreamRig rig;
-    ASSERT_EQ(rig.stream.start(), 1);
-    EXPECT_EQ(rig.stream.position(), 0u);
-    rig.device.playOne();
-    EXPECT_EQ(rig.stream.position(), 8800u);
-    rig.stream.stop();
-    EXPECT_EQ(rig.stream.position(), 0u);
-
-    ASSERT_EQ(rig.stream.start(), 1);
-    ReportRecorder reports;
-    FatalReportsUnwind unwind;
-    rig.device.positionResult = WaveResult::NotOpen;
-    EXPECT_THROW(rig.stream.position(), FatalErrorUnwind);
-    ASSERT_EQ(reports.reports().size(), 1u);
-    EXPECT_EQ(reports.last().source, "Sound/waveOut");
-    EXPECT_EQ(reports.last().line, 171);
-    EXPECT_EQ(reports.last().message, u"waveOutGetPosition");
 }
 
 TEST(WaveOutStream, VolumeSetsBothChannelWordsAndReadsThemAsOneNumber)
 {
     StreamRig rig;
-    struct Case {
-        float volume;
-        uint32_t word;
-    };
-    for (Case c : { Case { 0.5f, 0x7FFF7FFFu }, Case { 0.0f, 0u }, Case { 1.0f, 0xFFFFFFFFu }, Case { 7.0f, 0xFFFFFFFFu } }) {
-        rig.stream.setVolume(c.volume);
+    for (auto [volume, expected] : { std::pair { 0.5f, 0x7FFF7FFFu }, { 0.0f, 0u }, { 1.0f, 0xFFFFFFFFu }, { 7.0f, 0xFFFFFFFFu } }) {
+        rig.stream.setVolume(volume);
         uint32_t word = 1;
         rig.device.volume(word);
-        EXPECT_EQ(word, c.word) << c.volume;
+        EXPECT_EQ(word, expected) << volume;
     }
-    rig.stream.setVolume(0.0f);
-    EXPECT_EQ(rig.stream.volume(), 0.0f);
     // Both words read together: far above 1.0, as the design has it.
     rig.stream.setVolume(0.5f);
     EXPECT_NEAR(rig.stream.volume(), 32768.0f, 0.01f);
 }
 
-TEST(WaveOutStream, DestructionStopsAnOpenDevice)
-{
-    FakeWaveDevice device;
-    {
-        ScriptedSource source;
-        RecordingStream stream(device, &source);
-        ASSERT_EQ(stream.start(), 1);
-        // The built-in default format says 16 bits, which would ask for twice the frames that fit.
-        EXPECT_EQ(source.lastFrames.load(), 8800u);
-        EXPECT_EQ(source.lastChannels.load(), 1u);
-    }
-    EXPECT_FALSE(device.isOpen());
-    EXPECT_EQ(device.queued(), 0u);
-}
-
 TEST(WaveOutStreamFill, ClipsConvertsAndReportsSignedPeaks)
 {
-    struct Case {
-        const char* name;
-        uint8_t channels;
-        std::vector<float> head;
-        std::vector<float> tail;
-        std::vector<int16_t> firstSamples;
-        std::pair<float, float> peak;
-        bool clipped;
-    };
-    const Case cases[] = {
+    // What, channels, the script's head and tail, the first samples played, the peak, the clip flag.
+    const std::tuple<const char*, uint8_t, std::vector<float>, std::vector<float>, Samples, std::pair<float, float>, bool> cases[] = {
         { "over full scale clips and sets the flag", 1, {}, { 1.5f }, { 32767, 32767 }, { 1.0f, 1.0f }, true },
         { "negative full scale never sets the flag", 1, {}, { -1.5f }, { -32767, -32767 }, { -1.0f, -1.0f }, false },
         { "a zero after -0.5 replaces the peak", 1, { -0.5f }, { 0.0f }, { -16383, 0 }, { 0.0f, 0.0f }, false },
-        { "conversion truncates toward zero", 1, {}, { 0.25f }, { 8191, 8191 }, { 0.25f, 0.25f }, false },
-        { "negative conversion truncates toward zero", 1, {}, { -0.25f }, { -8191, -8191 }, { -0.25f, -0.25f }, false },
         { "a later positive sample beats a stored positive peak", 1, { 0.5f, 0.75f }, { 0.25f }, { 16383, 24575, 8191 }, { 0.75f, 0.75f }, false },
-        { "stereo peaks are per channel and keep their sign", 2, {}, { 0.5f, -0.75f }, { 16383, -24575 }, { 0.5f, -0.75f }, false },
+        { "stereo peaks are per channel and keep their sign; conversion truncates toward zero", 2, {}, { 0.25f, -0.75f },
+            { 8191, -24575 }, { 0.25f, -0.75f }, false },
         { "either stereo channel at full scale sets the flag", 2, {}, { 0.1f, 1.2f }, { 3276, 32767 }, { 0.1f, 1.0f }, true },
         { "not a number is written as silence", 1, {}, { std::numeric_limits<float>::quiet_NaN() }, { 0, 0 }, { 0.0f, 0.0f }, false },
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        StreamRig rig({ 44100, 32, c.channels });
-        rig.source.head = c.head;
-        rig.source.tail = c.tail;
+    for (const auto& [name, channels, head, tail, firstSamples, peak, clipped] : cases) {
+        SCOPED_TRACE(name);
+        StreamRig rig({ 44100, 32, channels });
+        rig.source.head = head;
+        rig.source.tail = tail;
         ASSERT_EQ(rig.stream.start(), 1);
-        rig.device.playOne(); // the buffer played first is the one filled first
-        std::vector<int16_t> samples = rig.device.lastPlayed();
-        ASSERT_GE(samples.size(), c.firstSamples.size());
-        EXPECT_EQ(std::vector<int16_t>(samples.begin(), samples.begin() + c.firstSamples.size()), c.firstSamples);
+        Samples samples = rig.playOne(); // the buffer played first is the one filled first
+        EXPECT_EQ(Samples(samples.begin(), samples.begin() + firstSamples.size()), firstSamples);
         ASSERT_FALSE(rig.stream.peaks.empty());
-        EXPECT_EQ(rig.stream.peaks[0], c.peak);
+        EXPECT_EQ(rig.stream.peaks[0], peak);
         // The third fill (after playOne) rendered the same script, so the flag describes it too.
-        EXPECT_EQ(rig.stream.isClipped(), c.clipped);
+        EXPECT_EQ(rig.stream.isClipped(), clipped);
     }
 }
 
@@ -442,7 +356,7 @@ TEST(WaveOutStreamFill, LoadIsTheTimeSinceTheDeviceAskedOverTheLatency)
     EXPECT_FLOAT_EQ(rig.stream.loads[0], 0.05f);
     EXPECT_FLOAT_EQ(rig.stream.loads[1], 0.1f);
     // Each done restarts the tick before its fill.
-    rig.device.playOne();
+    rig.playOne();
     ASSERT_EQ(rig.stream.loads.size(), 3u);
     EXPECT_FLOAT_EQ(rig.stream.loads[2], 0.05f);
 }

@@ -35,12 +35,6 @@ struct PlayerRig {
         instruments[track].sample().setFrames(std::vector<float>(format.channels, amplitude), format.channels);
     }
 
-    // A steady tone of `frames` frames of `level`.
-    void useConstant(uint32_t track, uint32_t frames, float level = 1.0f)
-    {
-        instruments[track].sample().setFrames(std::vector<float>(std::size_t(frames) * format.channels, level), format.channels);
-    }
-
     // Renders `total` frames in blocks whose sizes cycle through `blocks`; returns the mono mix.
     std::vector<float> render(uint64_t total, const std::vector<uint32_t>& blocks)
     {

@@ -2,10 +2,6 @@
 
 // Installs an ErrorPresenter that keeps every report instead of showing it, for as long as it
 // lives; the previous presenter comes back afterwards.
-//
-//   ReportRecorder reports;
-//   sample.load(u"/missing.wav");
-//   EXPECT_EQ(reports.last().line, 125);
 
 #include "base/ErrorReporter.h"
 

@@ -16,7 +16,6 @@ public:
 
     std::atomic<int> renders { 0 };
     std::atomic<uint32_t> lastFrames { 0 };
-    std::atomic<uint32_t> lastChannels { 0 };
     std::atomic<int> lastLatency { -1 };
 
     void setFormat(const AudioFormat* format) override { format_ = format; }
@@ -25,7 +24,6 @@ public:
     {
         renders.fetch_add(1);
         lastFrames = frames;
-        lastChannels = channels;
         for (size_t i = 0; i < size_t { frames } * channels; ++i)
             out[i] = i < head.size() ? head[i] : tail[(i - head.size()) % tail.size()];
     }

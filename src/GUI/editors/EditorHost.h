@@ -28,6 +28,8 @@ public:
     // Runs a sample load. Outside live mode the stream is stopped around it and the song is set
     // up again for playing, as a new sample may change what the player holds.
     virtual void loadSampleSafely(const std::function<void()>& load) = 0;
+    // Plays the WAV file once, as it is selected in a file dialog; an empty path stops it.
+    virtual void audition(std::u16string_view path) = 0;
 };
 
 } // namespace pulsara

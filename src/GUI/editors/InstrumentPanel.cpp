@@ -4,6 +4,7 @@
 #include "GUI/Prompts.h"
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "GUI/editors/EditorHost.h"
 #include "GUI/editors/SongEdits.h"
 #include "Sound/Song.h"
@@ -29,11 +30,8 @@ InstrumentPanel::InstrumentPanel(Skin& skin, SongEdits& edits, EditorHost& host)
     , edits_(edits)
     , host_(host)
 {
-    headingFont_.setFamily(QStringLiteral("Liberation Sans"));
-    headingFont_.setPixelSize(12);
-    headingFont_.setWeight(QFont::DemiBold);
-    textFont_ = headingFont_;
-    textFont_.setWeight(QFont::Normal);
+    headingFont_ = uiFont(12, QFont::DemiBold);
+    textFont_ = uiFont(12);
     dialogPath_.filter = kWaveFilter;
     for (TextButton* button : { &openButton_, &clearButton_ }) {
         button->setSkin(&skin.panelBckD, &skin.panelD);
@@ -92,7 +90,7 @@ void InstrumentPanel::open()
         dialogPath_.assign(sample.path().view());
     else if (!samplesFolder_.empty())
         dialogPath_.assign(std::u16string(samplesFolder_.view()) + kPathSeparator);
-    if (!chooseOpenFile(dialogPath_)) {
+    if (!chooseSampleFile(dialogPath_, [this](std::u16string_view selected) { host_.audition(selected); })) {
         dialogPath_.assign(previous.view());
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "Sound/Song.h"
 
 #include <QPainter>
@@ -24,9 +25,7 @@ LiveRow::LiveRow(Skin& skin, const Song& song, uint32_t firstTrack, std::u16stri
     , firstTrack_(firstTrack)
     , keys_(keys.substr(0, kMaxPads))
 {
-    font_.setFamily(QStringLiteral("Liberation Sans"));
-    font_.setPixelSize(10);
-    font_.setBold(true);
+    font_ = uiFont(10, QFont::Bold);
 }
 
 ElemRect LiveRow::padRect(uint32_t pad) const

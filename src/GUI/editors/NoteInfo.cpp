@@ -2,6 +2,7 @@
 
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "GUI/editors/SongEdits.h"
 #include "base/text.h"
 
@@ -84,8 +85,7 @@ NoteInfo::NoteInfo(Skin& skin, SongEdits& edits)
     : skin_(skin)
     , edits_(edits)
 {
-    font_.setFamily(QStringLiteral("Liberation Sans"));
-    font_.setPixelSize(12);
+    font_ = uiFont(12);
     piano_.setBitmap(&skin.piano);
     octave_.setBitmap(&skin.octave);
     for (Slider* slider : { &volume_, &length_ }) {

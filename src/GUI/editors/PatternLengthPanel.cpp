@@ -2,6 +2,7 @@
 
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "GUI/editors/SongEdits.h"
 #include "Sound/Song.h"
 #include "base/text.h"
@@ -30,8 +31,7 @@ PatternLengthPanel::PatternLengthPanel(Skin& skin, SongEdits& edits)
     : skin_(skin)
     , edits_(edits)
 {
-    font_.setFamily(QStringLiteral("Liberation Sans"));
-    font_.setPixelSize(12);
+    font_ = uiFont(12);
     for (Slider* slider : { &beatsSlider_, &beatLengthSlider_ }) {
         slider->setSkin(&skin.vol, &skin.panelD, &skin.panel);
         slider->setStep(kSliderStep);

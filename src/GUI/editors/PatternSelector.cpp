@@ -5,6 +5,7 @@
 #include "GUI/RootElement.h"
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "Sound/Song.h"
 #include "base/text.h"
 
@@ -31,9 +32,7 @@ PatternSelector::PatternSelector(Skin& skin, const Song& song)
     : skin_(skin)
     , song_(song)
 {
-    font_.setFamily(QStringLiteral("Liberation Sans"));
-    font_.setPixelSize(12);
-    font_.setBold(true);
+    font_ = uiFont(12, QFont::Bold);
 }
 
 void PatternSelector::setPattern(uint32_t pattern)

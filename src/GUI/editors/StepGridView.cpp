@@ -6,6 +6,7 @@
 #include "GUI/RootElement.h"
 #include "GUI/Skin.h"
 #include "GUI/TextPainter.h"
+#include "GUI/UiFont.h"
 #include "GUI/WindowMessage.h"
 #include "GUI/editors/SongEdits.h"
 #include "base/text.h"
@@ -43,9 +44,7 @@ StepGridView::StepGridView(Skin& skin, SkinSteps& strip, SongEdits& edits)
     , topLeftCorner_(&skin.panelD)
     , bottomLeftCorner_(&skin.panelD)
 {
-    font_.setFamily(QStringLiteral("Liberation Sans"));
-    font_.setPixelSize(11);
-    font_.setBold(true);
+    font_ = uiFont(11, QFont::Bold);
     scrollBar_.setSkin(&skin.panelD, &skin.panel);
     scrollBar_.onScroll = [this](double fraction) { scrollToFraction(fraction); };
     renameBox_.onFinished = [this](bool accepted, const std::u16string& text) {

@@ -105,6 +105,8 @@ public:
     bool isRenaming() const { return renameBox_.isOpen(); }
     // The screen rectangle of an absolute cell; row -1 is the ruler.
     ElemRect cellRect(int32_t column, int32_t row) const;
+    // The row whose label lies under the point, or -1 outside the label column's rows.
+    int32_t labelRowAt(int32_t x, int32_t y) const;
 
     virtual int32_t columns() const = 0;
     virtual int32_t rows() const = 0;
@@ -142,8 +144,6 @@ protected:
     void setDragState(int32_t state) { dragState_ = state; }
     SongEdits& edits() { return edits_; }
     Skin& skin() { return skin_; }
-    // The screen row of the label column under y, or -1 outside the grid rows.
-    int32_t labelRowAt(int32_t x, int32_t y) const;
 
 private:
     class HoldTimer : public Timer {

@@ -31,6 +31,8 @@ struct RecordingHost final : EditorHost {
         ++sampleLoads;
         load();
     }
+    void audition(std::u16string_view path) override { auditions.emplace_back(path); }
+    std::vector<std::u16string> auditions;
 };
 
 // A root that hands the menu commands to the editors, as the application does.

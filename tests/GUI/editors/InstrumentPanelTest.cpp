@@ -56,6 +56,8 @@ TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
         EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick);
         EXPECT_EQ(panel.fileText(), u"Kick1.wav");
         EXPECT_EQ(editors.host.sampleLoads, 1);
+        // The file selected is heard, and the sound stops as the dialog closes.
+        EXPECT_EQ(editors.host.auditions, (std::vector<std::u16string> { u"", kick, u"" }));
         panel.open();
         EXPECT_EQ(chosen.started, kick) << "the dialog starts at the instrument's own file";
     }

@@ -35,8 +35,9 @@ private:
 
 // The command line finds the documents folder without Qt; the window must keep finding the same
 // folder through it as Qt would give: the desktop's user-dirs.dirs, "$HOME" in it, quotes, a
-// trailing separator, the last line winning, Windows line ends, a relative XDG_CONFIG_HOME
-// (ignored) and an untidy HOME.
+// trailing separator, the last line winning, Windows line ends and an untidy HOME. (A relative
+// XDG_CONFIG_HOME is left out: Qt 6.4 reads it against the working folder, later Qt ignores it
+// as the XDG rules say, and so does the command line.)
 TEST(DataFolders, SamplesFolderIsInTheDocumentsFolderQtNames)
 {
     test::ScratchFolder folder;
@@ -51,7 +52,6 @@ TEST(DataFolders, SamplesFolderIsInTheDocumentsFolderQtNames)
         { home, std::nullopt, "# written by xdg-user-dirs-update\nXDG_DOCUMENTS_DIR=/data/docs/\n" },
         { home, std::nullopt, "XDG_DOCUMENTS_DIR=\"$HOME/First\"\r\nXDG_MUSIC_DIR=\"$HOME/Music\"\r\nXDG_DOCUMENTS_DIR=\"$HOME/Last\"\r\n" },
         { home, std::nullopt, "XDG_DOCUMENTS_DIR=\nXDG_TEMPLATES_DIR=\"$HOME/T\"" },
-        { home, "relative/config", "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n" },
         { home, home + "/elsewhere", "XDG_DOCUMENTS_DIR=\"/srv/papers\"\n" },
         { folder.path().string() + "//home/./", std::nullopt, "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n" },
     };

@@ -1,6 +1,6 @@
 // Export speed, as times real time: the demo song and the stress song over 64 positions, at
 // 44100 Hz stereo with each interpolation setting.
-#include "App/ConsoleReporting.h"
+#include "cli/ConsoleReporting.h"
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
 #include "Sound/WavExporter.h"

@@ -2,7 +2,7 @@
 // every pattern named, the playlist full: about 4 MB). A save is the whole of it: the song
 // encoded, written to a temporary file, synced to the disk, the old file kept as .bak and the
 // new one renamed over it.
-#include "App/ConsoleReporting.h"
+#include "cli/ConsoleReporting.h"
 #include "Sound/SongFile.h"
 #include "Sound/SongWriter.h"
 #include "support/FullSong.h"

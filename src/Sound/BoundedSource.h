@@ -32,6 +32,7 @@ public:
     void start() override { inner_.start(); }
     void stop() override { inner_.stop(); }
     void setLatency(int milliseconds) override { inner_.setLatency(milliseconds); }
+    void setRenderThreads(uint32_t threads) override { inner_.setRenderThreads(threads); }
 
 private:
     SoundSource& inner_;

@@ -1,11 +1,13 @@
 #include "Sound/PatternPlayer.h"
 
 #include "Sound/Instrument.h"
+#include "Sound/RowWorkers.h"
 #include "base/ErrorReporter.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <vector>
 
 namespace pulsara {
 
@@ -45,9 +47,81 @@ int64_t nowMilliseconds()
 
 } // namespace
 
+// One block's rows for the helper threads: the triggers of every row, found by the thread that
+// renders in row order before any row is mixed, so that the song moves on exactly as when each
+// row is walked and mixed in turn (mixing never reads the grid or the song position).
+class PatternPlayer::BlockRows final : public RowWorkers::Rows {
+public:
+    explicit BlockRows(PatternPlayer& player)
+        : player_(player)
+    {
+    }
+
+    void walk(const Block& block)
+    {
+        block_ = &block;
+        for (uint32_t row = 0; row < kTracks; ++row) {
+            std::vector<Trigger>& triggers = triggers_[row];
+            triggers.clear();
+            player_.walkTrack(row, block, [&](uint32_t offset, Step step) { triggers.push_back({ offset, step }); });
+        }
+    }
+
+    bool sounds(uint32_t row) const override
+    {
+        const Instrument* instrument = player_.tracks_[row].instrument();
+        return instrument && (!triggers_[row].empty() || instrument->sample().isPlaying());
+    }
+
+    void render(uint32_t row, float* out) override
+    {
+        TrackVoice& track = player_.tracks_[row];
+        track.beginBlock(out, block_->frames, block_->channels, block_->framesPerStep);
+        for (const Trigger& trigger : triggers_[row])
+            track.trigger(trigger.offset, trigger.step);
+        track.endBlock();
+    }
+
+private:
+    struct Trigger {
+        uint32_t offset;
+        Step step;
+    };
+
+    PatternPlayer& player_;
+    const Block* block_ = nullptr;
+    std::array<std::vector<Trigger>, kTracks> triggers_;
+};
+
 PatternPlayer::PatternPlayer()
     : grid_(kTracks, 16)
 {
+}
+
+PatternPlayer::~PatternPlayer() = default;
+
+void PatternPlayer::setRenderThreads(uint32_t threads)
+{
+    uint32_t helpers = threads > 1 ? threads - 1 : 0;
+    if (helpers == (workers_ ? workers_->helpers() : 0))
+        return;
+    workers_.reset();
+    blockRows_.reset();
+    if (helpers > 0) {
+        workers_ = std::make_unique<RowWorkers>(helpers, kTracks);
+        blockRows_ = std::make_unique<BlockRows>(*this);
+    }
+}
+
+bool PatternPlayer::tracksShareAnInstrument() const
+{
+    for (uint32_t row = 0; row < kTracks; ++row) {
+        for (uint32_t other = row + 1; other < kTracks; ++other) {
+            if (tracks_[row].instrument() && tracks_[row].instrument() == tracks_[other].instrument())
+                return true;
+        }
+    }
+    return false;
 }
 
 void PatternPlayer::setInstrument(uint32_t track, Instrument* instrument)
@@ -201,8 +275,13 @@ void PatternPlayer::render(float* out, uint32_t frames, uint32_t channels)
         block.wrapsAtStart = position == 0 && !freshStart_.exchange(false, std::memory_order_relaxed);
     }
 
-    for (uint32_t row = 0; row < kTracks; ++row)
-        renderTrack(row, block);
+    if (workers_ && !tracksShareAnInstrument()) {
+        blockRows_->walk(block);
+        workers_->render(*blockRows_, out, static_cast<std::size_t>(frames) * channels);
+    } else {
+        for (uint32_t row = 0; row < kTracks; ++row)
+            renderTrack(row, block);
+    }
     renderAudition(block);
 
     if (block.sequencing) {
@@ -233,8 +312,15 @@ void PatternPlayer::renderTrack(uint32_t row, const Block& block)
 {
     TrackVoice& track = tracks_[row];
     track.beginBlock(block.out, block.frames, block.channels, block.framesPerStep);
+    walkTrack(row, block, [&](uint32_t offset, Step step) { track.trigger(offset, step); });
+    track.endBlock();
+}
+
+template<typename Play>
+void PatternPlayer::walkTrack(uint32_t row, const Block& block, Play&& play)
+{
     if (const LiveNote& live = block.live[row]; live.track >= 0)
-        track.trigger(0, { live.volume < 0.0f ? volume() : live.volume * volume(), live.rate, 0 });
+        play(0, { live.volume < 0.0f ? volume() : live.volume * volume(), live.rate, 0 });
 
     if (block.sequencing) {
         float masterVolume = volume();
@@ -254,11 +340,10 @@ void PatternPlayer::renderTrack(uint32_t row, const Block& block)
                 if (!cell.isNote())
                     continue;
                 cell.volume *= masterVolume;
-                track.trigger(static_cast<uint32_t>(passStart + start - block.position), cell);
+                play(static_cast<uint32_t>(passStart + start - block.position), cell);
             }
         }
     }
-    track.endBlock();
 }
 
 } // namespace pulsara

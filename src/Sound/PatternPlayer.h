@@ -9,10 +9,12 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <memory>
 
 namespace pulsara {
 
 class Instrument;
+class RowWorkers;
 
 // The step sequencer: plays the combined grid (one row per instrument) at the song's tempo,
 // triggering each row's track voice at the exact frame each step starts.
@@ -27,7 +29,9 @@ class Instrument;
 // words the GUI thread writes at any time. setFormat, setInstrument and seek are the GUI
 // thread's while the stream is stopped. render, the track voices and the pass state
 // (renderedFramesPerStep_, the pass position while playing) belong to the thread that renders:
-// the device's callback thread while the stream runs.
+// the device's callback thread while the stream runs. An export may have the rows mixed by
+// helper threads (setRenderThreads): the thread that renders still walks the grid and moves the
+// song on, and the helpers only mix the voices of the rows they are given, inside render().
 class PatternPlayer : public SoundSource {
 public:
     static constexpr uint32_t kTracks = 40;
@@ -35,6 +39,7 @@ public:
     static constexpr float kMinTempo = 1.0f;
 
     PatternPlayer();
+    ~PatternPlayer() override;
 
     void setTempo(float beatsPerMinute);
     float tempo() const { return tempo_.load(std::memory_order_relaxed); }
@@ -88,6 +93,10 @@ public:
     void seek(uint64_t frame) override;
     void start() override;
     void stop() override;
+    // Two or more threads mix the rows of each block at once, with the same output as one (see
+    // RowWorkers); not for the device's callback. Rows that share an instrument are always mixed
+    // on the thread that renders.
+    void setRenderThreads(uint32_t threads) override;
 
 protected:
     // Called when `row` reaches the end of a pass, just before the row's first step of the new
@@ -119,7 +128,13 @@ private:
         // The live note of each track for this block (track -1: none).
         std::array<LiveNote, kTracks> live;
     };
+    class BlockRows;
+    // Walks the row's steps in the block as its voice plays them: `play(offset, step)` for each
+    // trigger in order, advancing the row at each pass end on the way.
+    template<typename Play>
+    void walkTrack(uint32_t row, const Block&, Play&&);
     void renderTrack(uint32_t row, const Block&);
+    bool tracksShareAnInstrument() const;
     // Device callback thread: no allocation, locks, I/O or logging.
     void renderAudition(const Block&);
 
@@ -146,6 +161,9 @@ private:
 
     StepGrid grid_;
     std::array<TrackVoice, kTracks> tracks_;
+    // Only while an export renders on several threads.
+    std::unique_ptr<RowWorkers> workers_;
+    std::unique_ptr<BlockRows> blockRows_;
 };
 
 } // namespace pulsara

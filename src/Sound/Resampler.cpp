@@ -87,7 +87,9 @@ template<uint32_t Channels, MixLanes With>
     int32_t indices[kChunkFrames];
     double fracs[kChunkFrames];
 #if defined(PULSARA_X86_LANES)
-    if constexpr (With == MixLanes::Avx) {
+    if constexpr (With == MixLanes::Avx512) {
+        lanes::positionsAvx512(first, count, p0, rate, indices, fracs);
+    } else if constexpr (With == MixLanes::Avx) {
         lanes::positionsAvx(first, count, p0, rate, indices, fracs);
     } else
 #endif
@@ -101,7 +103,9 @@ template<uint32_t Channels, MixLanes With>
     }
     float* target = out + static_cast<std::ptrdiff_t>(first) * Channels;
 #if defined(PULSARA_X86_LANES)
-    if constexpr (With == MixLanes::Avx)
+    if constexpr (With == MixLanes::Avx512)
+        lanes::mixAvx512<Channels>(target, source, indices, fracs, count, volume);
+    else if constexpr (With == MixLanes::Avx)
         lanes::mixAvx<Channels>(target, source, indices, fracs, count, volume);
     else if constexpr (With == MixLanes::Sse2)
         lanes::mixSse2<Channels>(target, source, indices, fracs, count, volume);
@@ -178,10 +182,20 @@ template<uint32_t Channels>
     return linearFrames<Channels, MixLanes::Avx>(out, source, frames, p0, rate, volume);
 }
 
-// The build targets plain x86-64; AVX is taken when the processor has it, decided once at start.
+template<uint32_t Channels>
+[[gnu::target("avx512f")]] double linearAvx512(float* out, const MixSource& source, int32_t frames, double p0,
+    float rate, float volume)
+{
+    return linearFrames<Channels, MixLanes::Avx512>(out, source, frames, p0, rate, volume);
+}
+
+// The build targets plain x86-64; AVX or AVX-512 is taken when the processor (and the system,
+// which must save the wider registers) has it, decided once at start.
 MixLanes detectBestLanes()
 {
     __builtin_cpu_init();
+    if (__builtin_cpu_supports("avx512f"))
+        return MixLanes::Avx512;
     return __builtin_cpu_supports("avx") ? MixLanes::Avx : MixLanes::Sse2;
 }
 #else
@@ -197,6 +211,8 @@ LinearKernel linearKernel(MixLanes lanes, uint32_t channels)
 {
     switch (lanes) {
 #if defined(PULSARA_X86_LANES)
+    case MixLanes::Avx512:
+        return channels == 1 ? linearAvx512<1> : linearAvx512<2>;
     case MixLanes::Avx:
         return channels == 1 ? linearAvx<1> : linearAvx<2>;
     case MixLanes::Sse2:
@@ -254,7 +270,8 @@ MixLanes bestMixLanes()
 
 bool isAvailable(MixLanes lanes)
 {
-    return lanes == MixLanes::Plain || lanes == kBestLanes || (lanes == MixLanes::Sse2 && kBestLanes == MixLanes::Avx);
+    // Each instruction set holds the ones before it.
+    return static_cast<int>(lanes) <= static_cast<int>(kBestLanes);
 }
 
 double mixLinear(const MixTarget& target, const MixSource& source, double position, float rate, float volume)

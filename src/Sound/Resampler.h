@@ -40,7 +40,7 @@ double mixLinear(const MixTarget&, const MixSource&, double position, float rate
 
 // The instruction sets the linear method can run on. All of them give the same output to the
 // bit; mixLinear() takes the best one the processor has.
-enum class MixLanes { Plain, Sse2, Avx };
+enum class MixLanes { Plain, Sse2, Avx, Avx512 };
 MixLanes bestMixLanes();
 bool isAvailable(MixLanes);
 // The linear method on the given instruction set (tests and benchmarks); one this processor

@@ -22,6 +22,10 @@ public:
     virtual void start() = 0;
     virtual void stop() = 0;
     virtual void setLatency(int milliseconds) { }
+    // Rendering away from the device (an export): render() may use up to `threads` threads at
+    // once, with the same output to the bit. 1, the default, renders on the calling thread alone,
+    // as the device's callback must. The thread that renders, between blocks.
+    virtual void setRenderThreads(uint32_t threads) { }
 };
 
 } // namespace pulsara

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include <fcntl.h>
@@ -70,6 +71,11 @@ int16_t toPcm(float sample, float gain)
 
 } // namespace
 
+WavExporter::WavExporter()
+    : threads_(std::max(1u, std::thread::hardware_concurrency()))
+{
+}
+
 uint32_t WavExporter::blockFrames(uint32_t sampleRate)
 {
     return sampleRate * kBlockMs / 1000 / 32 * 32;
@@ -104,6 +110,7 @@ int WavExporter::exportTo(SoundSource& source, std::u16string_view path, const P
     uint64_t fade = static_cast<uint64_t>(format.sampleRate) * kFadeMs / 1000;
     float gain = 1.0f;
 
+    source.setRenderThreads(threads_);
     source.seek(0);
     source.start();
     for (uint64_t remaining = total; remaining > 0 && block > 0 && written && !cancelled;) {
@@ -128,6 +135,7 @@ int WavExporter::exportTo(SoundSource& source, std::u16string_view path, const P
             cancelled = true;
     }
     source.stop();
+    source.setRenderThreads(1);
     // A full disk may only show when the buffered bytes go out.
     written = std::fclose(file.release()) == 0 && written;
     if (written && !cancelled)

@@ -57,7 +57,7 @@ TEST(Resampler, FastLoopsMatchTheMethodsFrameByFrame)
     EXPECT_NE(bestMixLanes(), MixLanes::Plain) << "every x86-64 processor has SSE2";
 #endif
     std::vector<std::pair<Kernel, decltype(&referenceLinear)>> kernels { { mixNearest, referenceNearest } };
-    for (MixLanes lanes : { MixLanes::Plain, MixLanes::Sse2, MixLanes::Avx }) {
+    for (MixLanes lanes : { MixLanes::Plain, MixLanes::Sse2, MixLanes::Avx, MixLanes::Avx512 }) {
         if (isAvailable(lanes))
             kernels.emplace_back(std::bind_front(mixLinearOn, lanes), referenceLinear);
     }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <tuple>
 
 using namespace pulsara;
@@ -163,4 +164,53 @@ TEST(SongPlayer, EmptyBlockNeitherTriggersNorAdvances)
     std::vector<float> out = rig.render(16, { 16 });
     EXPECT_EQ(rig.player.songPosition(), 1);
     EXPECT_EQ(out[0], 1.0f);
+}
+
+// Helper threads that mix rows change nothing: the same output to the bit and the same song
+// position after every block, with blocks longer than a pass, mid-step and a loop range that
+// wraps, pitched notes of both interpolations, note lengths, and with two rows on one instrument.
+TEST(SongPlayer, HelperThreadsRenderTheSameBitsAndWalkTheSongTheSame)
+{
+    auto arrangeSong = [](PlayerRig& rig, bool shareAnInstrument) {
+        rig.player.setLength(4);
+        rig.player.setTempo(600.0f); // 4410 frames per pass at 44100 Hz
+        for (uint32_t track = 0; track < 12; ++track) {
+            std::vector<float> frames(3000 + 700 * track);
+            for (std::size_t i = 0; i < frames.size(); ++i)
+                frames[i] = static_cast<float>((i * (track + 3) * 2654435761u) % 2001) / 1000.0f - 1.0f;
+            rig.instruments[track].sample().setFrames(std::move(frames), 1);
+            rig.instruments[track].sample().setInterpolation(track % 2 ? Interpolation::Linear : Interpolation::None);
+        }
+        if (shareAnInstrument)
+            rig.player.setInstrument(12, &rig.instruments[11]);
+        for (uint32_t pattern = 0; pattern < 4; ++pattern) {
+            for (uint32_t track = 0; track < 13; ++track) {
+                uint32_t step = (track + pattern) % 4;
+                float rate = track % 3 == 0 ? 1.0f : 0.5f + 0.17f * static_cast<float>(track + pattern);
+                rig.player.pattern(pattern).setCell(track, step, { 0.3f + 0.05f * track, rate, track % 4 == 1 ? 300 : 0 });
+            }
+            rig.player.playlist().set(pattern, pattern, 1.0f);
+        }
+        rig.player.setLoopStart(1);
+        rig.player.setLoopEnd(2);
+        rig.player.seek(0);
+        rig.player.start();
+    };
+    for (bool shareAnInstrument : { false, true }) {
+        for (uint32_t block : { 100000u, 4410u, 333u }) {
+            SCOPED_TRACE(::testing::Message() << "block " << block << (shareAnInstrument ? ", a shared instrument" : ""));
+            PlayerRig one;
+            PlayerRig many;
+            arrangeSong(one, shareAnInstrument);
+            arrangeSong(many, shareAnInstrument);
+            many.player.setRenderThreads(3);
+            for (int i = 0; i < 12; ++i) {
+                std::vector<float> expected = one.render(block, { block });
+                std::vector<float> rendered = many.render(block, { block });
+                ASSERT_EQ(std::memcmp(rendered.data(), expected.data(), expected.size() * sizeof(float)), 0) << i;
+                ASSERT_EQ(many.player.songPosition(), one.player.songPosition()) << i;
+                ASSERT_EQ(many.player.position(), one.player.position()) << i;
+            }
+        }
+    }
 }

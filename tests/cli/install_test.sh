@@ -21,7 +21,7 @@ installed=$("$cmake" --install "$build" --prefix "$prefix" 2>&1) || fail "the in
 
 share="$prefix/share"
 data="$share/pulsara"
-for file in bin/pulsara share/pulsara/Demo/zzzDemo.kqu share/pulsara/Pulsara.htm share/applications/pulsara.desktop \
+for file in bin/pulsara bin/pulsara-window share/pulsara/Demo/zzzDemo.kqu share/pulsara/Pulsara.htm share/applications/pulsara.desktop \
     share/icons/hicolor/scalable/apps/pulsara.svg share/mime/packages/pulsara.xml; do
     [ -s "$prefix/$file" ] || fail "$file was not installed"
 done
@@ -37,6 +37,12 @@ grep -q '^50:application/x-pulsara-song:\*\.kqu$' "$share/mime/globs2" || fail "
 
 version=$("$prefix/bin/pulsara" --version)
 [[ "$version" == "pulsara "[0-9]* ]] || fail "--version printed \"$version\""
+# The windowless program starts without the window system's or the audio libraries; --play
+# loads the installed audio module, which then finds no sound server here.
+! ldd "$prefix/bin/pulsara" | grep -E 'libQt6|librtaudio' || fail "the command-line program links Qt or RtAudio"
+status=0
+played=$(PULSARA_AUDIO_BACKEND=pulse PULSE_SERVER=unix:/nonexistent/pulsara-socket "$prefix/bin/pulsara" --play "$data/Demo/zzzDemo.kqu" </dev/null 2>&1) || status=$?
+[ "$status" -eq 1 ] && [ "$played" = "pulsara: error: no audio output device could be opened" ] || fail "--play said: $played"
 
 # The demo names its samples beside itself: a sample left out would be a warning on stderr.
 warnings=$("$prefix/bin/pulsara" --export "$prefix/out.wav" "$data/Demo/zzzDemo.kqu" 2>&1 >/dev/null) || fail "the export failed: $warnings"

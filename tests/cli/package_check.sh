@@ -15,7 +15,7 @@ for needed in libqt6widgets6 librtaudio fonts-liberation2 libasound2; do
 done
 grep -q "postinst" <<<"$info" || fail "no postinst"
 contents=$(dpkg-deb --contents "$deb" | awk '{ print $NF }')
-for file in ./usr/bin/pulsara ./usr/share/pulsara/Skins/Default/stepsPat.bmp ./usr/share/pulsara/Demo/zzzDemo.kqu \
+for file in ./usr/bin/pulsara ./usr/bin/pulsara-window ./usr/lib/pulsara/pulsara-audio.so ./usr/share/pulsara/Skins/Default/stepsPat.bmp ./usr/share/pulsara/Demo/zzzDemo.kqu \
     ./usr/share/pulsara/Demo/Kick1.wav ./usr/share/pulsara/Pulsara.htm ./usr/share/applications/pulsara.desktop \
     ./usr/share/icons/hicolor/scalable/apps/pulsara.svg ./usr/share/mime/packages/pulsara.xml; do
     grep -qx "$file" <<<"$contents" || fail "the package lacks $file"

@@ -1,4 +1,4 @@
-#include "App/KeyboardSession.h"
+#include "cli/KeyboardSession.h"
 
 #include <cerrno>
 #include <chrono>

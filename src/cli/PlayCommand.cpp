@@ -1,12 +1,12 @@
-#include "App/PlayCommand.h"
+#include "cli/PlayCommand.h"
 
-#include "App/CommandLineOptions.h"
-#include "App/KeyboardSession.h"
-#include "App/PlayStatusLine.h"
 #include "App/Transport.h"
 #include "Sound/BoundedSource.h"
-#include "Sound/RtAudioDevice.h"
 #include "Sound/Song.h"
+#include "cli/AudioModuleLoader.h"
+#include "cli/CommandLineOptions.h"
+#include "cli/KeyboardSession.h"
+#include "cli/PlayStatusLine.h"
 
 #include <atomic>
 #include <cctype>
@@ -44,14 +44,6 @@ private:
     std::atomic<float> load_ { 0.0f };
 };
 
-// PULSARA_AUDIO_BACKEND (jack, pulse or alsa) picks RtAudio's back end; otherwise the first
-// one that has an output device.
-RtAudio::Api chosenBackend()
-{
-    const char* name = std::getenv("PULSARA_AUDIO_BACKEND");
-    return name ? RtAudio::getCompiledApiByName(name) : RtAudio::UNSPECIFIED;
-}
-
 bool asksToStop(const std::string& keys)
 {
     return keys.find_first_of("\r\n") != std::string::npos;
@@ -75,8 +67,15 @@ void showStatus(const Song& song, const Transport& transport, const MeterValues&
 
 int playSong(Song& song, const CommandLineOptions& options)
 {
-    RtAudioDevice device(chosenBackend());
-    Transport transport(device, song);
+    // PULSARA_AUDIO_BACKEND (jack, pulse or alsa) picks RtAudio's back end; otherwise the first
+    // one that has an output device.
+    std::string problem;
+    std::unique_ptr<WaveDevice> device = loadAudioDevice(std::getenv("PULSARA_AUDIO_BACKEND"), problem);
+    if (!device) {
+        std::fprintf(stderr, "pulsara: error: %s\n", problem.c_str());
+        return kExitError;
+    }
+    Transport transport(*device, song);
     transport.open(options.latencyMs);
     transport.setDocumentFlags(Transport::kReleaseDeviceFlag);
     MeterValues meters;

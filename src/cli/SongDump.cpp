@@ -1,4 +1,4 @@
-#include "App/SongDump.h"
+#include "cli/SongDump.h"
 
 #include "Sound/Song.h"
 #include "base/text.h"

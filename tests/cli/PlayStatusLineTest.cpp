@@ -1,4 +1,4 @@
-#include "App/PlayStatusLine.h"
+#include "cli/PlayStatusLine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "App/ConsoleReporting.h"
+#include "cli/ConsoleReporting.h"
 
 #include "App/SampleSearch.h"
 #include "Sound/Song.h"

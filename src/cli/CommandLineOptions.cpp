@@ -1,4 +1,4 @@
-#include "App/CommandLineOptions.h"
+#include "cli/CommandLineOptions.h"
 
 #include <charconv>
 

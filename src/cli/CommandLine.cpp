@@ -1,21 +1,23 @@
-#include "App/CommandLine.h"
+#include "cli/CommandLine.h"
 
-#include "App/CommandLineOptions.h"
-#include "App/ConsoleReporting.h"
 #include "App/DataFolders.h"
-#include "App/PlayCommand.h"
-#include "App/SongDump.h"
-#include "App/WindowMain.h"
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
 #include "Sound/WavExporter.h"
 #include "base/Path.h"
 #include "base/text.h"
+#include "cli/CommandLineOptions.h"
+#include "cli/ConsoleReporting.h"
+#include "cli/PlayCommand.h"
+#include "cli/SongDump.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <string>
 #include <unistd.h>
-
+#include <vector>
 
 namespace pulsara {
 
@@ -24,6 +26,7 @@ namespace {
 constexpr int kExitDone = 0;
 constexpr int kExitError = 1;
 constexpr int kExitUsage = 2;
+constexpr const char* kWindowProgram = "pulsara-window";
 
 std::u16string absolutePath(const std::string& path)
 {
@@ -95,6 +98,21 @@ int runPlay(const CommandLineOptions& options)
     return withLoadedSong(options, [&](Song& song, ConsolePresenter&) { return playSong(song, options); });
 }
 
+// The window is a program of its own installed beside this one, so that a run without a window
+// never loads the window system's libraries. It takes the song (or nothing) and this program's
+// name, which the window system shows as the program's.
+int runWindow(const char* programName, const std::string& songPath)
+{
+    std::string window = programFolder() + '/' + kWindowProgram;
+    std::vector<char*> arguments { const_cast<char*>(programName) };
+    if (!songPath.empty())
+        arguments.push_back(const_cast<char*>(songPath.c_str()));
+    arguments.push_back(nullptr);
+    ::execv(window.c_str(), arguments.data());
+    std::fprintf(stderr, "pulsara: error: can't start the window (%s: %s)\n", window.c_str(), std::strerror(errno));
+    return kExitError;
+}
+
 } // namespace
 
 int runCommandLine(int argc, char** argv)
@@ -120,7 +138,7 @@ int runCommandLine(int argc, char** argv)
     case RunMode::Play:
         return runPlay(options);
     case RunMode::Window:
-        return runWindow(argc, argv, fromUtf8(options.songPath));
+        return runWindow(argc > 0 ? argv[0] : "pulsara", options.songPath);
     }
     return kExitUsage;
 }

@@ -2,6 +2,7 @@
 program, and xdotool and ImageMagick to find, drive and look at its windows."""
 import os
 import shutil
+import sys
 import subprocess
 import tempfile
 import time
@@ -34,6 +35,20 @@ def run(*command, **kwargs):
 
 def missing_tools():
     return [tool for tool in ("Xvfb", "xdotool", "import") if not shutil.which(tool)]
+
+
+def run_window_test(test):
+    """Runs test(pulsara, desktop) on `PULSARA SHARE_DIR` from the command line in a Desktop of
+    its own: its exit status, or SKIP when no X server or tools can be had here."""
+    pulsara, share = sys.argv[1], sys.argv[2]
+    if missing_tools():
+        print("skipped: %s not installed" % ", ".join(missing_tools()))
+        return SKIP
+    with Desktop(share) as desktop:
+        if not desktop.started:
+            print("skipped: Xvfb did not start")
+            return SKIP
+        return test(pulsara, desktop)
 
 
 class Desktop:

@@ -7,20 +7,11 @@
 #include "App/MainWindow.h"
 #include "GUI/Skin.h"
 #include "GUI/WindowMessage.h"
-#include "Sound/QueuedWaveDevice.h"
 
-#include <QApplication>
-#include <benchmark/benchmark.h>
+#include "WindowBench.h"
 
 namespace pulsara {
 namespace {
-
-// A device that takes buffers and never plays them: the window's cost alone is measured.
-class SilentDevice final : public QueuedWaveDevice {
-protected:
-    WaveResult openOutput(const WaveFormat&) override { return WaveResult::Ok; }
-    void closeOutput() override { }
-};
 
 struct ShownWindow {
     SilentDevice device;
@@ -127,14 +118,9 @@ BENCHMARK(TimerRepaintOneChangedMeter)->Unit(benchmark::kMicrosecond);
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    pulsara::Skin& skin = pulsara::theSkin();
-    skin.setInstallDir(u"" PULSARA_SHARE_DIR "/");
-    skin.load();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return pulsara::runWindowBenchmarks(argc, argv, [] {
+        pulsara::Skin& skin = pulsara::theSkin();
+        skin.setInstallDir(u"" PULSARA_SHARE_DIR "/");
+        skin.load();
+    });
 }

@@ -7,22 +7,13 @@
 #include "App/Application.h"
 #include "App/MainWindow.h"
 #include "GUI/Skin.h"
-#include "Sound/QueuedWaveDevice.h"
 
-#include <QApplication>
-#include <benchmark/benchmark.h>
+#include "WindowBench.h"
 
 #include <memory>
 
 namespace pulsara {
 namespace {
-
-// A device that takes buffers and never plays them: the program's own start is measured.
-class SilentDevice final : public QueuedWaveDevice {
-protected:
-    WaveResult openOutput(const WaveFormat&) override { return WaveResult::Ok; }
-    void closeOutput() override { }
-};
 
 void BuildLoadAndPaintDemo(benchmark::State& state)
 {
@@ -55,11 +46,5 @@ BENCHMARK(BuildLoadAndPaintDemo)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return pulsara::runWindowBenchmarks(argc, argv);
 }

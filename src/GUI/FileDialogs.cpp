@@ -30,7 +30,7 @@ QStringList qtFilters(const FilePath& path)
 
 // The program's own dialog rather than the desktop's, so that it behaves the same everywhere,
 // including under the offscreen platform of the tests.
-void prepare(QFileDialog& dialog, const FilePath& path)
+void prepare(QFileDialog& dialog, const FilePath& path, FileDialogKind kind)
 {
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     QStringList filters = qtFilters(path);
@@ -41,6 +41,11 @@ void prepare(QFileDialog& dialog, const FilePath& path)
             dialog.selectNameFilter(filters[static_cast<qsizetype>(index)]);
     }
     dialog.setDirectory(toQString(dialogStartFolder(path)));
+    bool save = kind == FileDialogKind::Save;
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    if (!path.empty())
+        dialog.selectFile(toQString(pathFileName(path.view())));
 }
 
 void storeChoice(FilePath& path, const QFileDialog& dialog)
@@ -77,11 +82,7 @@ int chooseOpenFile(FilePath& path)
     if (dialogHook)
         return dialogHook(FileDialogKind::Open, path);
     QFileDialog dialog(path.owner);
-    prepare(dialog, path);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    if (!path.empty())
-        dialog.selectFile(toQString(pathFileName(path.view())));
+    prepare(dialog, path, FileDialogKind::Open);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return 0;
     storeChoice(path, dialog);
@@ -98,11 +99,7 @@ int chooseSampleFile(FilePath& path, const std::function<void(std::u16string_vie
             onSelect(path.view());
     } else {
         QFileDialog dialog(path.owner);
-        prepare(dialog, path);
-        dialog.setFileMode(QFileDialog::ExistingFile);
-        dialog.setAcceptMode(QFileDialog::AcceptOpen);
-        if (!path.empty())
-            dialog.selectFile(toQString(pathFileName(path.view())));
+        prepare(dialog, path, FileDialogKind::Open);
         QObject::connect(&dialog, &QFileDialog::currentChanged, [&onSelect](const QString& selected) {
             if (onSelect)
                 onSelect(QFileInfo(selected).isFile() ? selected.toStdU16String() : std::u16string());
@@ -122,11 +119,7 @@ int chooseSaveFile(FilePath& path)
     if (dialogHook)
         return dialogHook(FileDialogKind::Save, path);
     QFileDialog dialog(path.owner);
-    prepare(dialog, path);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    if (!path.empty())
-        dialog.selectFile(toQString(pathFileName(path.view())));
+    prepare(dialog, path, FileDialogKind::Save);
     if (dialog.exec() != QDialog::Accepted)
         return 0;
     QString chosen = dialog.selectedFiles().value(0);

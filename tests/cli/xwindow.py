@@ -60,8 +60,9 @@ class Desktop:
         self.folder = tempfile.mkdtemp(prefix="pulsara-window-")
         self.programs = []
         read_end, write_end = os.pipe()
-        self.server = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1280x800x24", "-nolisten", "tcp"],
-                                       pass_fds=[write_end], stderr=subprocess.DEVNULL)
+        with open(self.path("xvfb.log"), "w") as log:
+            self.server = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1280x800x24", "-nolisten", "tcp"],
+                                           pass_fds=[write_end], stderr=log)
         os.close(write_end)
         with os.fdopen(read_end) as display:
             self.display = display.readline().strip()
@@ -78,11 +79,15 @@ class Desktop:
             program.kill()
             program.wait()
         if error:
-            # What the programs said is the first thing to read when a check failed.
-            for number in range(len(self.programs)):
-                with open(self.path("program-%d.log" % number), errors="replace") as log:
-                    print("--- program %d: %s" % (number, log.read()))
-        self.server.kill()
+            # What the programs and the X server said is the first thing to read when a check failed.
+            if self.server.poll() is not None:
+                print("--- the X server ended early, with status %d" % self.server.returncode)
+            logs = ["program-%d.log" % number for number in range(len(self.programs))] + ["xvfb.log"]
+            for name in logs:
+                with open(self.path(name), errors="replace") as log:
+                    print("--- %s: %s" % (name, log.read()))
+        # Asked to end rather than killed, so that it takes its socket and lock file with it.
+        self.server.terminate()
         self.server.wait()
         shutil.rmtree(self.folder, ignore_errors=True)
 

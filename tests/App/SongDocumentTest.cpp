@@ -145,12 +145,8 @@ TEST(SongDocument, AsksToSaveChangesOnlyWhenThereAreAny)
         if (c.dirty)
             doc.edit();
         EXPECT_EQ(doc.document.askSaveChanges(u"Exit"), c.aborted);
-        ASSERT_EQ(answers.asked.size(), c.question ? 1u : 0u);
-        if (c.question) {
-            EXPECT_EQ(answers.asked[0].text, c.question);
-            EXPECT_EQ(answers.asked[0].caption, u"Exit");
-            EXPECT_EQ(answers.asked[0].buttons, PromptButtons::YesNoCancel);
-        }
+        using Questions = ScriptedPrompts::Questions;
+        EXPECT_EQ(answers.asked, (c.question ? Questions { { c.question, u"Exit", PromptButtons::YesNoCancel } } : Questions {}));
     }
 
     // The other callers' captions.

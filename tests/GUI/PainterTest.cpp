@@ -2,8 +2,8 @@
 #include "GUI/LinePainter.h"
 #include "GUI/SkinBitmap.h"
 #include "GUI/TextPainter.h"
-#include "PixelChecks.h"
 #include "QtTestApplication.h"
+#include "TestImages.h"
 
 #include <QPainter>
 #include <gtest/gtest.h>

@@ -25,11 +25,7 @@ public:
     int stylusMove(int32_t, int32_t) override { return record(".move"); }
 
 private:
-    int record(const std::string& what)
-    {
-        log_.push_back(name_ + what);
-        return 1;
-    }
+    int record(const std::string& what) { log_.push_back(name_ + what); return 1; }
     std::string name_;
     std::vector<std::string>& log_;
 };

@@ -1,7 +1,4 @@
-#include "GUI/RootElement.h"
-#include "GUI/WindowMessage.h"
-#include "FakeWindow.h"
-#include "QtTestApplication.h"
+#include "WindowDriver.h"
 
 #include <gtest/gtest.h>
 

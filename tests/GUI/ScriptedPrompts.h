@@ -2,8 +2,10 @@
 
 #include "GUI/FileDialogs.h"
 #include "GUI/Prompts.h"
+#include "base/text.h"
 
 #include <deque>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -17,7 +19,10 @@ public:
         std::u16string text;
         std::u16string caption;
         PromptButtons buttons;
+        bool operator==(const Question&) const = default;
+        friend void PrintTo(const Question& q, std::ostream* out) { *out << toUtf8(q.caption) << ": " << toUtf8(q.text) << " " << int(q.buttons); }
     };
+    using Questions = std::vector<Question>;
 
     explicit ScriptedPrompts(std::deque<PromptAnswer> answers = {}) : answers_(std::move(answers)) { previous_ = setPrompts(this); }
     ~ScriptedPrompts() override { setPrompts(previous_); }
@@ -34,7 +39,7 @@ public:
         return answer;
     }
 
-    std::vector<Question> asked;
+    Questions asked;
 
 private:
     std::deque<PromptAnswer> answers_;

@@ -17,33 +17,24 @@ struct RecordingHost final : EditorHost {
     std::vector<int32_t> songPositions;
     std::vector<int32_t> steps;
     int32_t playedPattern = -2;
-    bool liveMode = false;
     int sampleLoads = 0;
+    std::vector<std::u16string> auditions;
 
     void setTopBarMode(int32_t mode) override { topBarMode = mode; }
     void moveToSongPosition(int32_t position) override { songPositions.push_back(position); }
     void moveToStep(int32_t step) override { steps.push_back(step); }
     void setPlayedPattern(int32_t pattern) override { playedPattern = pattern; }
     void setFocusedEditor(uint16_t) override { }
-    bool isLiveMode() const override { return liveMode; }
-    void loadSampleSafely(const std::function<void()>& load) override
-    {
-        ++sampleLoads;
-        load();
-    }
+    bool isLiveMode() const override { return false; }
+    void loadSampleSafely(const std::function<void()>& load) override { ++sampleLoads; load(); }
     void audition(std::u16string_view path) override { auditions.emplace_back(path); }
-    std::vector<std::u16string> auditions;
 };
 
 // A root that hands the menu commands to the editors, as the application does.
 class EditorRoot final : public RootElement {
 public:
     explicit EditorRoot(MainEditor& editor) : editor_(editor) { addChild(&editor); }
-    void layout(const ElemRect& rect) override
-    {
-        RootElement::layout(rect);
-        editor_.layout(rect);
-    }
+    void layout(const ElemRect& rect) override { RootElement::layout(rect); editor_.layout(rect); }
     intptr_t handleMessage(uint32_t message, uintptr_t wParam, intptr_t lParam) override
     {
         if (message == kMessageCommand)

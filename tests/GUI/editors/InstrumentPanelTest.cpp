@@ -44,10 +44,8 @@ TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
     panel.clear();
     EXPECT_TRUE(instrument.sample().isLoaded()) << "No keeps the instrument";
     panel.clear();
-    ASSERT_EQ(answers.asked.size(), 2u);
-    EXPECT_EQ(answers.asked[0].text, u"Are you sure to clear this instrument?");
-    EXPECT_EQ(answers.asked[0].caption, u"Clear");
-    EXPECT_EQ(answers.asked[0].buttons, PromptButtons::YesNo);
+    const ScriptedPrompts::Question clear { u"Are you sure to clear this instrument?", u"Clear", PromptButtons::YesNo };
+    EXPECT_EQ(answers.asked, (ScriptedPrompts::Questions { clear, clear }));
     EXPECT_FALSE(instrument.sample().isLoaded());
     EXPECT_EQ(instrument.volume(), 0.7f);
     history.undo();

@@ -16,42 +16,29 @@ constexpr int kPatternPage = 0;
 constexpr int kPlaylistPage = 1;
 
 struct Cell {
-    int column;
-    int row;
+    int column, row;
     float volume = 1.0f;
+    bool operator==(const Cell&) const = default;
 };
+
+std::ostream& operator<<(std::ostream& out, const Cell& cell) { return out << "(" << cell.column << "," << cell.row << " " << cell.volume << ")"; }
 
 // The cells that hold something: notes (with their volumes) or placed patterns.
 std::vector<Cell> setCells(Editors& editors, int page)
 {
     std::vector<Cell> cells;
-    for (int row = 0; row < 8; ++row) {
-        for (int column = 0; column < 16; ++column) {
-            if (page == kPatternPage) {
-                Step step = editors.song.player().pattern(0).cell(uint32_t(row), uint32_t(column));
-                if (step.isNote())
-                    cells.push_back({ column, row, step.volume });
-            } else if (editors.song.player().playlist().isOn(uint32_t(row), uint32_t(column))) {
-                cells.push_back({ column, row });
-            }
+    for (uint32_t row = 0; row < 8; ++row)
+        for (uint32_t column = 0; column < 16; ++column) {
+            Step step = editors.song.player().pattern(0).cell(row, column);
+            if (page == kPatternPage ? step.isNote() : editors.song.player().playlist().isOn(row, column))
+                cells.push_back({ int(column), int(row), page == kPatternPage ? step.volume : 1.0f });
         }
-    }
     return cells;
-}
-
-bool operator==(const Cell& a, const Cell& b)
-{
-    return a.column == b.column && a.row == b.row && a.volume == b.volume;
-}
-
-std::ostream& operator<<(std::ostream& out, const Cell& cell)
-{
-    return out << "(" << cell.column << "," << cell.row << " " << cell.volume << ")";
 }
 
 } // namespace
 
-TEST(StepGridView, LaysOutLabelsColumnsRowsAndTheScrollThumb)
+TEST(StepGridView, LaysOutLabelsColumnsRowsAndTheScrollThumbAndLabelsNoRowPastTheBanks)
 {
     struct Case {
         int page, width, height, steps;
@@ -77,6 +64,11 @@ TEST(StepGridView, LaysOutLabelsColumnsRowsAndTheScrollThumb)
         EXPECT_EQ(grid.visibleRows(), c.visibleRows);
         EXPECT_DOUBLE_EQ(grid.scrollBar().thumb(), c.thumb);
     }
+    // The labels of the rows shown (a track's or pattern's name, else its number from 1) are
+    // pinned by the screenshots; past the last row there is none.
+    Editors editors;
+    EXPECT_EQ(editors.grid(kPatternPage).rowLabel(40), u"");
+    EXPECT_EQ(editors.grid(kPlaylistPage).rowLabel(40), u"");
 }
 
 TEST(StepGridView, GesturesEditCellsAsOneUndoStep)
@@ -169,15 +161,6 @@ TEST(StepGridView, RulerTouchesMoveThePlayPositionAndNoCell)
     editors.click(editors.cell(kPlaylistPage, 12, -1));
     EXPECT_EQ(editors.host.songPositions, (std::vector<int32_t> { 12 }));
     EXPECT_EQ(editors.host.playedPattern, -1) << "the ruler plays the song";
-}
-
-// The labels of the rows shown (a track's or pattern's name, else its number from 1) are pinned
-// by the screenshots; past the last row there is none.
-TEST(StepGridView, RowsPastTheBanksHaveNoLabel)
-{
-    Editors editors;
-    EXPECT_EQ(editors.grid(kPatternPage).rowLabel(40), u"");
-    EXPECT_EQ(editors.grid(kPlaylistPage).rowLabel(40), u"");
 }
 
 TEST(StepGridView, LabelTapSelectsAndHoldOrDoubleClickRenames)

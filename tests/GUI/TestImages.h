@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <fstream>
+#include <string>
 #include <vector>
 
 namespace pulsara::test {
@@ -42,6 +45,17 @@ struct BmpFileBuilder {
 inline void writeFile(const QString& path, const std::vector<uint8_t>& bytes)
 {
     std::ofstream(path.toStdString(), std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+struct PixelAt {
+    int x, y;
+    QRgb colour;
+};
+
+inline void expectPixels(const QImage& image, const std::vector<PixelAt>& pixels, const std::string& what = {})
+{
+    for (const PixelAt& p : pixels)
+        EXPECT_EQ(image.pixel(p.x, p.y), p.colour) << what << " at " << p.x << "," << p.y;
 }
 
 } // namespace pulsara::test

@@ -73,9 +73,7 @@ TEST(FileDrop, LoadsSamplesOpensSongsAndRefusesTheRest)
     app.handleMessage(kMessageLeftButtonDown, 0, packPosition(window.label(7).x(), window.label(7).y()));
     app.handleMessage(kMessageLeftButtonUp, 0, packPosition(window.label(7).x(), window.label(7).y()));
     window.drop(waves, app.mainEditor().grid(0).cellRect(4, 20).toQRect().center());
-    EXPECT_EQ(window.path(7), waves[0]);
-    EXPECT_EQ(window.path(8), waves[1]);
-    EXPECT_EQ(window.path(9), waves[2]);
+    EXPECT_EQ((std::vector { window.path(7), window.path(8), window.path(9) }), waves);
     EXPECT_EQ(app.edits().history().undoText().toStdString(), "Open samples");
     app.edits().history().undo();
     EXPECT_EQ(window.path(8), u"") << "one step for the whole drop";

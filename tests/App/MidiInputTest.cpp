@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <rtmidi/RtMidi.h>
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -33,11 +34,7 @@ struct ScriptedPorts final : MidiPorts {
         receivers[name] = std::move(receiver);
         return std::make_unique<Port>(*this, name);
     }
-    void play(const std::string& port, uint8_t note, uint8_t velocity)
-    {
-        const uint8_t bytes[3] = { 0x93, note, velocity };
-        receivers.at(port)(bytes, 3);
-    }
+    void play(const std::string& port, uint8_t note, uint8_t velocity) { receivers.at(port)(std::array<uint8_t, 3> { 0x93, note, velocity }.data(), 3); }
 };
 
 } // namespace
@@ -64,8 +61,8 @@ TEST(MidiInput, MapsNotesToTracksOrPitches)
     };
     for (const Case& c : cases) {
         std::optional<LiveNote> note = MidiNoteMap::noteOn(c.mode, c.note, c.velocity, 5);
-        EXPECT_EQ(note ? std::tuple(note->track, note->volume, note->rate) : std::tuple(-1, 0.0f, 0.0f), std::tuple(c.track, c.volume, c.rate))
-            << int(c.note);
+        EXPECT_EQ(note ? std::tuple(note->track, note->volume, note->rate) : std::tuple(-1, 0.0f, 0.0f),
+            std::tuple(c.track, c.volume, c.rate)) << int(c.note);
     }
 }
 

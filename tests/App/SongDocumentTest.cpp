@@ -78,8 +78,7 @@ struct Document {
 // A folder with room for 64 KiB: a tmpfs of that size over it where this process may mount one
 // (in a mount namespace of its own), else a limit on the size of the files it writes, which
 // stops a write as a full disk does.
-class SmallDisk {
-public:
+struct SmallDisk {
     explicit SmallDisk(const std::filesystem::path& folder) : folder_(folder)
     {
         mounted_ = ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
@@ -98,8 +97,6 @@ public:
         else
             ::setrlimit(RLIMIT_FSIZE, &limit_);
     }
-
-private:
     std::filesystem::path folder_;
     bool mounted_ = false;
     rlimit limit_ {};

@@ -14,19 +14,15 @@ using Log = std::vector<std::string>;
 
 // Records the clip operations that reach the top of the tree, and counts the taps outside a
 // non-exclusive overlay, which are the container's.
-class RecordingContainer : public ElementContainer {
-public:
+struct RecordingContainer : ElementContainer {
     Log clips;
     int outsideTaps = 0;
     void excludeClip(DeviceContext*, const ElemRect& rect) override { clips.push_back("exclude" + std::to_string(rect.x)); }
     void addClip(DeviceContext*, const ElemRect& rect) override { clips.push_back("add" + std::to_string(rect.x)); }
-
-protected:
     void onTapOutsideOverlay(int, int32_t, int32_t) override { ++outsideTaps; }
 };
 
-class ElementContainerTest : public testing::Test {
-protected:
+struct ElementContainerTest : testing::Test {
     Log log;
     RecordingContainer container;
     std::deque<test::RecordingElement> elements;

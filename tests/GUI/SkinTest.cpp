@@ -22,8 +22,7 @@ std::u16string makeSkin(const QTemporaryDir& folder, const std::string& missing 
     return (folder.path() + "/").toStdU16String();
 }
 
-class SkinDeathTest : public testing::Test {
-protected:
+struct SkinDeathTest : testing::Test {
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 

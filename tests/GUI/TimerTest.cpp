@@ -22,14 +22,11 @@ struct HandClock {
 // Answers from a script of results, each call taking `took` ms of the tick count, and records
 // the keep value each call saw. The tests call the common timer procedure themselves, as the
 // platform timer would.
-class ScriptedTimer : public Timer {
-public:
+struct ScriptedTimer : Timer {
     explicit ScriptedTimer(std::vector<int32_t> script) : results(std::move(script)) { test::testApplication(); }
     std::vector<int32_t> results;
     uint32_t took = 0;
     std::vector<int32_t> keepValues;
-
-protected:
     int32_t onTimer() override
     {
         handTicks += took;

@@ -98,8 +98,7 @@ TEST(Application, SpaceAndThePlayButtonPlayAndStop)
     // The playlist's ruler moves the song position, which the counter shows from 1.
     screen.click(WindowDriver::centre(screen.app.pageButton(1)));
     StepGridView& playlist = screen.app.mainEditor().grid(1);
-    ElemRect ruler = playlist.cellRect(3, 0);
-    screen.click({ ruler.x + 4, playlist.rect()->y + 4 });
+    screen.click(cellCentre(playlist, 3, -1));
     screen.app.followPlayback();
     EXPECT_EQ(screen.app.counterDisplay().value(), 4);
     EXPECT_EQ(playlist.playColumn(), 3);

@@ -4,7 +4,7 @@
 // window messages on a recording window (DemoScreen), or shown in a real main window (DemoWindow).
 #include "App/Application.h"
 #include "App/MainWindow.h"
-#include "GUI/WindowDriver.h"
+#include "GUI/editors/EditorHarness.h"
 #include "support/PulledWaveDevice.h"
 
 namespace pulsara::test {

@@ -46,6 +46,20 @@ private:
     MainEditor& editor_;
 };
 
+// The centre of a cell (row -1: the ruler) and of a row's label.
+inline QPoint cellCentre(const StepGridView& grid, int column, int row)
+{
+    ElemRect at = grid.cellRect(column, row);
+    if (row < 0)
+        at.y = grid.rect()->y;
+    return at.toQRect().center();
+}
+inline QPoint labelCentre(const StepGridView& grid, int row)
+{
+    ElemRect at = grid.cellRect(0, row);
+    return { grid.rect()->x + grid.labelWidth() / 2, at.y + at.height / 2 };
+}
+
 struct Editors : WindowDriver {
     Song song { AudioFormat { 44100, 32, 1 } };
     SongEdits edits { song };
@@ -64,19 +78,8 @@ struct Editors : WindowDriver {
     }
 
     StepGridView& grid(int page) { return editor.grid(page); }
-    // The centre of a cell (row -1: the ruler) and of a row's label.
-    QPoint cell(int page, int column, int row)
-    {
-        ElemRect at = grid(page).cellRect(column, row);
-        if (row < 0)
-            at.y = grid(page).rect()->y;
-        return at.toQRect().center();
-    }
-    QPoint label(int page, int row)
-    {
-        ElemRect at = grid(page).cellRect(0, row);
-        return { grid(page).rect()->x + grid(page).labelWidth() / 2, at.y + at.height / 2 };
-    }
+    QPoint cell(int page, int column, int row) { return cellCentre(grid(page), column, row); }
+    QPoint label(int page, int row) { return labelCentre(grid(page), row); }
 };
 
 } // namespace pulsara::test

@@ -35,7 +35,6 @@ QImage screenshot(const Shot& shot)
     return shown.window.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-// The number of pixels with a channel that differs by more than the tolerance.
 int differingPixels(const QImage& actual, const QImage& expected)
 {
     int differing = 0;

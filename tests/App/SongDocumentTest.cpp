@@ -27,13 +27,14 @@ using namespace pulsara::test;
 
 namespace {
 
+void write(Song& song, std::u16string_view path) { RecordingLocator locator; saveSong(song, path, locator); }
+
 struct RecordingHost final : DocumentHost {
     std::u16string title;
-    int shown = 0;
     bool closed = false;
     std::vector<std::u16string> templates;
     std::vector<std::u16string> remembered;
-    void showNewSong() override { ++shown; }
+    void showNewSong() override { }
     void setTitle(std::u16string_view text) override { title = text; }
     void storeViewState() override { }
     bool stopForExport() override { return false; }
@@ -64,8 +65,7 @@ struct Document {
         std::u16string path = folder.file("songs/" + name);
         Song file;
         file.player().setPatternName(0, u"from file");
-        RecordingLocator locator;
-        saveSong(file, path, locator);
+        write(file, path);
         document.setSongPath(path);
         document.loadSongFile();
         return path;
@@ -233,10 +233,9 @@ TEST(SongDocument, TheTemplatesMenuListsTheTemplatesFolder)
     EXPECT_EQ(doc.host.templates, (std::vector<std::u16string> { u"Drums" }));
 
     // A template opens untitled and clean, and is no recent song.
-    RecordingLocator locator;
     Song file;
     file.player().setPatternName(3, u"template");
-    saveSong(file, doc.folder.file("templates/Drums.kqt"), locator);
+    write(file, doc.folder.file("templates/Drums.kqt"));
     EXPECT_EQ(doc.document.newFromTemplate(0), 1);
     EXPECT_EQ(doc.song.player().patternName(3), u"template");
     EXPECT_EQ(doc.host.title, u"Pulsara - Untitled");
@@ -263,9 +262,8 @@ TEST(SongDocument, AsksForSamplesThatAreNotWhereTheSongSays)
         Song withSamples;
         withSamples.instrument(0).sample().load(kick);
         withSamples.instrument(1).sample().load(kick);
-        RecordingLocator locator;
         const std::u16string path = doc.folder.write("songs/beat.kqu", {});
-        saveSong(withSamples, path, locator);
+        write(withSamples, path);
         std::filesystem::remove(doc.folder.path() / "elsewhere/kick.wav");
         const std::u16string moved = doc.folder.write("moved/kick.wav", makeWav(1, 44100, 16, pcm16({ 5, 6 })));
 

@@ -32,7 +32,6 @@ struct MessageLog : RootElement {
     }
 };
 
-// A canvas with menus in a shown main window.
 struct ShownCanvas {
     QApplication& application = test::testApplication();
     MessageLog root;

@@ -8,7 +8,6 @@ namespace {
 using test::FakeWindow;
 using Log = std::vector<std::string>;
 
-// Fills its rectangle with one colour whenever it draws.
 struct SolidElement : Element {
     SolidElement(QRgb colour, ElemRect rect) : colour_(colour) { layout(rect); }
     QRgb colour_;

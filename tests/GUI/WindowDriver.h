@@ -115,7 +115,6 @@ struct WindowDriver {
     // The tree is not touched until open(), so that it may be built after the driver.
     explicit WindowDriver(RootElement& tree) : root(tree) { window.menuHeight = 0; }
 
-    // The window's creation and first paint.
     void open(int width, int height)
     {
         root.handleMessage(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(&window)));

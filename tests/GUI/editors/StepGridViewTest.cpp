@@ -73,44 +73,34 @@ TEST(StepGridView, LaysOutLabelsColumnsRowsAndTheScrollThumbAndLabelsNoRowPastTh
 
 TEST(StepGridView, GesturesEditCellsAsOneUndoStep)
 {
-    struct Action {
-        char kind; // p: press, m: move, u: up
-        int column, row;
-    };
     struct Case {
         const char* name;
         int page;
         bool moveMode;
         std::vector<Cell> before;
-        std::vector<Action> actions;
+        std::vector<Cell> path; // pressed on the first cell, moved over the others, released on the last
         std::vector<Cell> after;
         const char* step; // the undo step's name; null when nothing changed
     };
     const Case cases[] = {
-        { "a tap paints", kPatternPage, false, {}, { { 'p', 2, 1 }, { 'u', 2, 1 } }, { { 2, 1 } }, "Paint notes" },
-        { "a tap on a note erases it", kPatternPage, false, { { 2, 1 } }, { { 'p', 2, 1 }, { 'u', 2, 1 } }, {}, "Erase notes" },
-        { "a drag fills the cells it skipped", kPatternPage, false, {}, { { 'p', 1, 0 }, { 'm', 5, 0 }, { 'u', 5, 0 } },
-            { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 }, { 5, 0 } }, "Paint notes" },
-        { "a drag backwards fills too", kPatternPage, false, {}, { { 'p', 6, 2 }, { 'm', 3, 2 }, { 'u', 3, 2 } },
-            { { 3, 2 }, { 4, 2 }, { 5, 2 }, { 6, 2 } }, "Paint notes" },
-        { "a drag from a note erases all the way", kPatternPage, false, { { 1, 0 }, { 3, 0 }, { 6, 0 } },
-            { { 'p', 1, 0 }, { 'm', 2, 0 }, { 'm', 4, 0 }, { 'u', 4, 0 } }, { { 6, 0 } }, "Erase notes" },
-        { "a drag from an empty cell paints over notes", kPatternPage, false, { { 3, 0, 0.5f } },
-            { { 'p', 1, 0 }, { 'm', 4, 0 }, { 'u', 4, 0 } }, { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 } }, "Paint notes" },
-        { "moving on the same cell does nothing more", kPatternPage, false, {}, { { 'p', 1, 1 }, { 'm', 1, 1 }, { 'm', 1, 1 }, { 'u', 1, 1 } },
-            { { 1, 1 } }, "Paint notes" },
-        { "move mode carries a note over others", kPatternPage, true, { { 1, 0, 0.25f }, { 3, 0, 0.5f } },
-            { { 'p', 1, 0 }, { 'm', 2, 0 }, { 'm', 3, 0 }, { 'm', 4, 0 }, { 'u', 4, 0 } }, { { 3, 0, 0.5f }, { 4, 0, 0.25f } },
-            "Move note" },
-        { "move mode carries a note to another row", kPatternPage, true, { { 1, 0, 0.25f } },
-            { { 'p', 1, 0 }, { 'm', 1, 1 }, { 'm', 1, 2 }, { 'u', 1, 2 } }, { { 1, 2, 0.25f } }, "Move note" },
-        { "move mode from an empty cell changes nothing", kPatternPage, true, { { 3, 0 } },
-            { { 'p', 1, 0 }, { 'm', 3, 0 }, { 'u', 3, 0 } }, { { 3, 0 } }, nullptr },
-        { "a tap places a pattern", kPlaylistPage, false, {}, { { 'p', 4, 2 }, { 'u', 4, 2 } }, { { 4, 2 } }, "Place patterns" },
-        { "a drag removes patterns", kPlaylistPage, false, { { 0, 0 }, { 1, 0 }, { 2, 0 } },
-            { { 'p', 0, 0 }, { 'm', 2, 0 }, { 'u', 2, 0 } }, {}, "Remove patterns" },
-        { "move mode moves a pattern", kPlaylistPage, true, { { 0, 1 } }, { { 'p', 0, 1 }, { 'm', 1, 1 }, { 'm', 2, 1 }, { 'u', 2, 1 } },
-            { { 2, 1 } }, "Move pattern" },
+        { "a tap paints", kPatternPage, false, {}, { { 2, 1 } }, { { 2, 1 } }, "Paint notes" },
+        { "a tap on a note erases it", kPatternPage, false, { { 2, 1 } }, { { 2, 1 } }, {}, "Erase notes" },
+        { "a drag fills the cells it skipped", kPatternPage, false, {}, { { 1, 0 }, { 5, 0 } }, { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 }, { 5, 0 } },
+            "Paint notes" },
+        { "a drag backwards fills too", kPatternPage, false, {}, { { 6, 2 }, { 3, 2 } }, { { 3, 2 }, { 4, 2 }, { 5, 2 }, { 6, 2 } }, "Paint notes" },
+        { "a drag from a note erases all the way", kPatternPage, false, { { 1, 0 }, { 3, 0 }, { 6, 0 } }, { { 1, 0 }, { 2, 0 }, { 4, 0 } },
+            { { 6, 0 } }, "Erase notes" },
+        { "a drag from an empty cell paints over notes", kPatternPage, false, { { 3, 0, 0.5f } }, { { 1, 0 }, { 4, 0 } },
+            { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 } }, "Paint notes" },
+        { "moving on the same cell does nothing more", kPatternPage, false, {}, { { 1, 1 }, { 1, 1 }, { 1, 1 } }, { { 1, 1 } }, "Paint notes" },
+        { "move mode carries a note over others", kPatternPage, true, { { 1, 0, 0.25f }, { 3, 0, 0.5f } }, { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 } },
+            { { 3, 0, 0.5f }, { 4, 0, 0.25f } }, "Move note" },
+        { "move mode carries a note to another row", kPatternPage, true, { { 1, 0, 0.25f } }, { { 1, 0 }, { 1, 1 }, { 1, 2 } },
+            { { 1, 2, 0.25f } }, "Move note" },
+        { "move mode from an empty cell changes nothing", kPatternPage, true, { { 3, 0 } }, { { 1, 0 }, { 3, 0 } }, { { 3, 0 } }, nullptr },
+        { "a tap places a pattern", kPlaylistPage, false, {}, { { 4, 2 } }, { { 4, 2 } }, "Place patterns" },
+        { "a drag removes patterns", kPlaylistPage, false, { { 0, 0 }, { 1, 0 }, { 2, 0 } }, { { 0, 0 }, { 2, 0 } }, {}, "Remove patterns" },
+        { "move mode moves a pattern", kPlaylistPage, true, { { 0, 1 } }, { { 0, 1 }, { 1, 1 }, { 2, 1 } }, { { 2, 1 } }, "Move pattern" },
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -123,15 +113,10 @@ TEST(StepGridView, GesturesEditCellsAsOneUndoStep)
             else
                 editors.song.player().playlist().set(uint32_t(cell.row), uint32_t(cell.column), 1.0f);
         }
-        for (const Action& action : c.actions) {
-            QPoint at = editors.cell(c.page, action.column, action.row);
-            if (action.kind == 'p')
-                editors.press(at);
-            else if (action.kind == 'm')
-                editors.move(at);
-            else
-                editors.release(at);
-        }
+        editors.press(editors.cell(c.page, c.path.front().column, c.path.front().row));
+        for (size_t i = 1; i < c.path.size(); ++i)
+            editors.move(editors.cell(c.page, c.path[i].column, c.path[i].row));
+        editors.release(editors.cell(c.page, c.path.back().column, c.path.back().row));
         EXPECT_EQ(setCells(editors, c.page), c.after);
         QUndoStack& history = editors.edits.history();
         ASSERT_EQ(history.count(), c.step ? 1 : 0);

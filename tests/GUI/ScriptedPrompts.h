@@ -40,6 +40,7 @@ public:
     }
 
     Questions asked;
+    std::vector<std::u16string> captions() const { std::vector<std::u16string> all; for (auto& q : asked) all.push_back(q.caption); return all; }
 
 private:
     std::deque<PromptAnswer> answers_;

@@ -40,8 +40,7 @@ TEST(DataFolders, SamplesFolderIsInTheDocumentsFolderQtNames)
     const std::string home = folder.path().string() + "/home";
     const struct {
         std::string home;
-        std::optional<std::string> configHome;
-        std::optional<std::string> userDirs;
+        std::optional<std::string> configHome, userDirs;
     } cases[] = {
         { home, std::nullopt, std::nullopt },
         { home, std::nullopt, "XDG_DESKTOP_DIR=\"$HOME/Desktop\"\nXDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n" },

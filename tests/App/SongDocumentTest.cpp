@@ -32,8 +32,7 @@ void write(Song& song, std::u16string_view path) { RecordingLocator locator; sav
 struct RecordingHost final : DocumentHost {
     std::u16string title;
     bool closed = false;
-    std::vector<std::u16string> templates;
-    std::vector<std::u16string> remembered;
+    std::vector<std::u16string> templates, remembered;
     void showNewSong() override { }
     void setTitle(std::u16string_view text) override { title = text; }
     void storeViewState() override { }

@@ -16,8 +16,7 @@ namespace pulsara::test {
 class ScriptedPrompts final : public Prompts {
 public:
     struct Question {
-        std::u16string text;
-        std::u16string caption;
+        std::u16string text, caption;
         PromptButtons buttons;
         bool operator==(const Question&) const = default;
         friend void PrintTo(const Question& q, std::ostream* out) { *out << toUtf8(q.caption) << ": " << toUtf8(q.text) << " " << int(q.buttons); }

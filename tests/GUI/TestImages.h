@@ -14,8 +14,7 @@ namespace pulsara::test {
 // Hand-made BMP files: a header with chosen fields followed by the given pixel bytes as they
 // are, so that tests can make files that are padded, unpadded, short or wrong.
 struct BmpFileBuilder {
-    int32_t width = 1;
-    int32_t height = 1;
+    int32_t width = 1, height = 1;
     uint16_t bitsPerPixel = 24;
     uint32_t compression = 0;
     std::vector<uint32_t> palette; // 0x00RRGGBB entries, written after the header

@@ -7,6 +7,7 @@
 #include "GUI/RootElement.h"
 #include "GUI/Skin.h"
 #include "GUI/WindowMessage.h"
+#include "base/text.h"
 
 #include <QImage>
 #include <QPoint>
@@ -34,12 +35,7 @@ public:
     void hide() override { shown = false; }
     bool isShown() const override { return shown; }
     // Return (accepted) or Escape.
-    void finish(bool accepted)
-    {
-        shown = false;
-        if (onFinished)
-            onFinished(accepted);
-    }
+    void finish(bool accepted) { shown = false; if (onFinished) onFinished(accepted); }
 };
 
 // A window that records what the root asks of it.
@@ -47,10 +43,8 @@ class FakeWindow : public NativeWindow {
 public:
     ElemRect client { 0, 0, 200, 126 };
     int32_t menuHeight = 26;
-    bool menuBarWorks = true;
-    bool capture = false;
-    QRegion paintRegion;
-    QRegion presented;
+    bool menuBarWorks = true, capture = false;
+    QRegion paintRegion, presented;
     std::vector<std::string> calls;
     std::u16string title;
     // The command the next pop-up menu answers with (0: dismissed), and what it showed.
@@ -76,7 +70,7 @@ public:
     void postQuit() override { calls.push_back("quit"); }
     void showMessage(std::u16string_view text, std::u16string_view caption) override
     {
-        calls.push_back("message " + std::string(text.begin(), text.end()) + " / " + std::string(caption.begin(), caption.end()));
+        calls.push_back("message " + toUtf8(text) + " / " + toUtf8(caption));
     }
     void setTitle(std::u16string_view text) override { title = text; }
     uint32_t trackPopupMenu(const std::vector<PopupMenuItem>& items, int32_t x, int32_t y) override
@@ -88,12 +82,7 @@ public:
     void checkMenuItem(uint32_t id, bool checked) override { checkedItems[id] = checked; }
     void setZoom(int32_t) override { }
     void setMenuItemsAfter(uint32_t, const std::vector<PopupMenuItem>&) override { }
-    std::unique_ptr<PlatformTextEdit> createTextEdit() override
-    {
-        auto edit = std::make_unique<FakeTextEdit>();
-        textEdit = edit.get();
-        return edit;
-    }
+    std::unique_ptr<PlatformTextEdit> createTextEdit() override { auto edit = std::make_unique<FakeTextEdit>(); textEdit = edit.get(); return edit; }
 };
 
 inline Skin& loadedSkin()
@@ -135,12 +124,7 @@ struct WindowDriver {
     void move(QPoint at) { send(kMessageMouseMove, at); }
     void release(QPoint at, int button = 0) { send(button ? kMessageRightButtonUp : kMessageLeftButtonUp, at); }
     void click(QPoint at, int button = 0) { press(at, button); release(at, button); }
-    void doubleClick(QPoint at)
-    {
-        click(at);
-        send(kMessageLeftButtonDoubleClick, at);
-        release(at);
-    }
+    void doubleClick(QPoint at) { click(at); send(kMessageLeftButtonDoubleClick, at); release(at); }
     void wheel(QPoint at, int notches, uint32_t keys = 0) { send(kMessageMouseWheel, at, packWheel(notches * kWheelNotch, keys)); }
     void key(uint32_t key, intptr_t flags = 0) { root.handleMessage(kMessageKeyDown, key, flags); }
     void command(uint32_t id) { root.handleMessage(kMessageCommand, id, 0); }

@@ -13,10 +13,8 @@
 namespace pulsara::test {
 
 struct RecordingHost final : EditorHost {
-    int32_t topBarMode = -1;
-    std::vector<int32_t> songPositions;
-    std::vector<int32_t> steps;
-    int32_t playedPattern = -2;
+    int32_t topBarMode = -1, playedPattern = -2;
+    std::vector<int32_t> songPositions, steps;
     int sampleLoads = 0;
     std::vector<std::u16string> auditions;
 

@@ -64,9 +64,8 @@ TEST(AppSettings, WriteBackWhatTheyRead)
 {
     ScratchFolder folder;
     AppSettings odd = loadFrom(folder, "[General]\nStereo=5\nSmpFreq=22050\nBuffLength=640\nMidiMode=Chromatic\nMidiIn=Pad\n");
-    rememberRecentSong(odd, u"/a.kqu");
-    rememberRecentSong(odd, u"/b.kqu");
-    rememberRecentSong(odd, u"/a.kqu");
+    for (std::u16string_view name : { u"/a.kqu", u"/b.kqu", u"/a.kqu" })
+        rememberRecentSong(odd, name);
     for (int song = 0; song < 4; ++song)
         rememberRecentSong(odd, fromUtf8("/n" + std::to_string(song) + ".kqu"));
     // Names the file's syntax gives a meaning to.

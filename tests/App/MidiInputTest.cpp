@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 #include <rtmidi/RtMidi.h>
 
-#include <array>
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -34,7 +33,7 @@ struct ScriptedPorts final : MidiPorts {
         receivers[name] = std::move(receiver);
         return std::make_unique<Port>(*this, name);
     }
-    void play(const std::string& port, uint8_t note, uint8_t velocity) { receivers.at(port)(std::array<uint8_t, 3> { 0x93, note, velocity }.data(), 3); }
+    void play(const char* port, uint8_t note, uint8_t velocity) { const uint8_t bytes[] { 0x93, note, velocity }; receivers.at(port)(bytes, 3); }
 };
 
 } // namespace

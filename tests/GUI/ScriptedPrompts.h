@@ -54,10 +54,9 @@ struct ScriptedFileDialogs {
         setFileDialogHook([this, answer](FileDialogKind, FilePath& path) {
             started = std::u16string(path.view());
             filter = path.filter;
-            if (answer.empty())
-                return 0;
-            path.assign(answer);
-            return 1;
+            if (!answer.empty())
+                path.assign(answer);
+            return answer.empty() ? 0 : 1;
         });
     }
     ~ScriptedFileDialogs() { setFileDialogHook({}); }

@@ -36,6 +36,7 @@ public:
     bool isShown() const override { return shown; }
     // Return (accepted) or Escape.
     void finish(bool accepted) { shown = false; if (onFinished) onFinished(accepted); }
+    void enter(std::u16string text, bool accepted) { content = std::move(text); finish(accepted); }
 };
 
 // A window that records what the root asks of it.

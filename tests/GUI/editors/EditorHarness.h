@@ -68,10 +68,7 @@ struct Editors : WindowDriver {
     explicit Editors(int width = 800, int height = 700) : WindowDriver(tree)
     {
         // Undo and redo show the song again, as the application has it.
-        edits.onApplied = [this](EditScope scope, bool fromHistory) {
-            if (fromHistory)
-                editor.refresh(scope);
-        };
+        edits.onApplied = [this](EditScope scope, bool fromHistory) { if (fromHistory) editor.refresh(scope); };
         open(width, height);
     }
 

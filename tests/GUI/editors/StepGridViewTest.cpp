@@ -165,8 +165,7 @@ TEST(StepGridView, LabelTapSelectsAndHoldOrDoubleClickRenames)
     EXPECT_TRUE(editors.window.textEdit->shown);
     EXPECT_EQ(editors.window.textEdit->content, u"Bass");
     EXPECT_EQ(editors.window.textEdit->geometry.y, editors.grid(kPatternPage).cellRect(0, 5).y);
-    editors.window.textEdit->content = u"Sub bass";
-    editors.window.textEdit->finish(true);
+    editors.window.textEdit->enter(u"Sub bass", true);
     EXPECT_EQ(editors.song.instrument(5).name(), u"Sub bass");
     EXPECT_EQ(editors.edits.history().undoText().toStdString(), "Rename instrument");
 
@@ -174,12 +173,10 @@ TEST(StepGridView, LabelTapSelectsAndHoldOrDoubleClickRenames)
     editors.editor.showPage(kPlaylistPage);
     editors.doubleClick(editors.label(kPlaylistPage, 2));
     EXPECT_TRUE(editors.window.textEdit->shown);
-    editors.window.textEdit->content = u"Verse";
-    editors.window.textEdit->finish(false);
+    editors.window.textEdit->enter(u"Verse", false);
     EXPECT_EQ(editors.song.player().patternName(2), u"");
     editors.doubleClick(editors.label(kPlaylistPage, 2));
-    editors.window.textEdit->content = u"Verse";
-    editors.window.textEdit->finish(true);
+    editors.window.textEdit->enter(u"Verse", true);
     EXPECT_EQ(editors.song.player().patternName(2), u"Verse");
 
     // A pattern's label on the playlist chooses it for the pattern page and plays it.
@@ -215,8 +212,7 @@ TEST(StepGridView, LoopPopupSetsTheLoop)
         ASSERT_EQ(editors.window.popupItems.size(), 6u);
         EXPECT_EQ(editors.window.popupItems[0].text, u"Loop");
         EXPECT_EQ(editors.window.popupAt.x, editors.grid(kPlaylistPage).cellRect(c.column + 1, 0).x);
-        EXPECT_EQ(editors.song.player().loopStart(), c.startAfter);
-        EXPECT_EQ(editors.song.player().loopEnd(), c.endAfter);
+        EXPECT_EQ(std::pair(editors.song.player().loopStart(), editors.song.player().loopEnd()), std::pair(c.startAfter, c.endAfter));
         EXPECT_EQ(editors.grid(kPlaylistPage).dragState(), StepGridView::kIdle);
     }
 }

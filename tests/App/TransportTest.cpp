@@ -22,11 +22,7 @@ struct MeterLog : MeterListener {
 
 // The window's transport: it drains in the background, and its device is played by hand.
 struct TransportRig {
-    TransportRig()
-    {
-        transport.open(100);
-        transport.setDrainsInBackground(true);
-    }
+    TransportRig() { transport.open(100); transport.setDrainsInBackground(true); }
     std::vector<int16_t> playOne() { return device.pull(uint32_t(transport.deviceBufferBytes(0) / 4), 2); }
 
     Song song { AudioFormat { 22050, 32, 2 } };

@@ -22,9 +22,7 @@ std::u16string makeSkin(const QTemporaryDir& folder, const std::string& missing 
     return (folder.path() + "/").toStdU16String();
 }
 
-struct SkinDeathTest : testing::Test {
-    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
+struct SkinDeathTest : testing::Test { void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); } };
 
 TEST(Skin, LoadsEveryFileAndSetsUpFramesAndSteps)
 {

@@ -3,8 +3,9 @@
 #include "EditorHarness.h"
 
 #include <QUndoStack>
-#include <array>
 #include <gtest/gtest.h>
+
+#include <array>
 
 using namespace pulsara;
 using namespace pulsara::test;
@@ -34,11 +35,7 @@ TEST(NoteInfo, ReadsNotesAsNameOctaveVolumeAndLength)
 
 TEST(NoteInfo, ControlsMakeWholeSemitonesAndWholeSteps)
 {
-    NoteInfo::Controls controls;
-    controls.noteIndex = 7;
-    controls.octave = 4;
-    controls.volumeSlider = 0.5f;
-    controls.lengthSlider = 0.25f;
+    NoteInfo::Controls controls { .noteIndex = 7, .octave = 4, .volumeSlider = 0.5f, .lengthSlider = 0.25f };
     EXPECT_EQ(NoteInfo::noteFor(controls), (Step { 0.5f * 1.2f, 1.4983071f, 16 * 256 })); // 2^(7/12)
     controls.octave = 5;
     controls.noteIndex = 0;

@@ -17,6 +17,7 @@
 
 using namespace pulsara;
 using namespace pulsara::test;
+using namespace std::string_literals;
 
 namespace {
 
@@ -29,39 +30,30 @@ AppSettings loadFrom(const ScratchFolder& folder, const std::string& text, Setti
     return loadSettings(file, defaults);
 }
 
+// What the General section gives, to compare whole.
+auto general(const AppSettings& s)
+{
+    return std::tuple(s.sampleRate, int(s.channels), s.interpolation, s.liveact, s.bufferLength, s.releaseWaveOut, s.skinName, s.installDir,
+        s.lastSong, s.lastSample, s.samplesDir);
+}
+
 } // namespace
 
 TEST(AppSettings, MissingOddAndOverlongValuesFallBack)
 {
     ScratchFolder folder;
-    AppSettings none = loadFrom(folder, "");
-    EXPECT_EQ(none.sampleRate, 44100u);
-    EXPECT_EQ(none.channels, 1);
-    EXPECT_EQ(none.interpolation, 0u);
-    EXPECT_EQ(none.liveact, 0u);
-    EXPECT_EQ(none.bufferLength, 200);
-    EXPECT_TRUE(none.releaseWaveOut);
-    EXPECT_EQ(none.skinName, u"Default");
-    EXPECT_EQ(none.installDir, u"/data/");
-    EXPECT_EQ(none.lastSong, u"/docs/Pulsara/zzzDemo.kqu");
-    EXPECT_EQ(none.lastSample, u"/docs/Pulsara/Kick1.wav");
-    EXPECT_EQ(none.samplesDir, u"/docs/Pulsara");
+    EXPECT_EQ(general(loadFrom(folder, "")), std::tuple(44100u, 1, 0u, 0u, 200, true, u"Default"s, u"/data/"s, u"/docs/Pulsara/zzzDemo.kqu"s,
+        u"/docs/Pulsara/Kick1.wav"s, u"/docs/Pulsara"s));
 
+    // Any rate is used as it is, any non-zero Stereo is stereo, a Liveact that is no number is
+    // the default, and a path of 130 characters is one too many.
     const std::string longest(AppSettings::kMaxPathLength, 'a');
     AppSettings odd = loadFrom(folder,
         "[General]\nSmpFreq=32000\nStereo=5\nInterpolation=7\nReleaseWaveOut=0\nBuffLength=5\nSkin=Dark\n"
         "LastSong=/x/"
             + std::string(AppSettings::kMaxPathLength, 'b') + "\nLastSmp=" + longest + "\nSamplesDir=notanumber\nLiveact=yes\n");
-    EXPECT_EQ(odd.sampleRate, 32000u) << "any rate is used as it is";
-    EXPECT_EQ(odd.channels, 2) << "any non-zero value is stereo";
-    EXPECT_EQ(odd.interpolation, 1u);
-    EXPECT_FALSE(odd.releaseWaveOut);
-    EXPECT_EQ(odd.bufferLength, AppSettings::kMinLatencyMs);
-    EXPECT_EQ(odd.skinName, u"Dark");
-    EXPECT_EQ(odd.lastSong, kDefaults.lastSong) << "130 characters are one too many";
-    EXPECT_EQ(odd.lastSample, fromUtf8(longest));
-    EXPECT_EQ(odd.samplesDir, u"notanumber");
-    EXPECT_EQ(odd.liveact, 0u) << "not a number: the default";
+    EXPECT_EQ(general(odd), std::tuple(32000u, 2, 1u, 0u, AppSettings::kMinLatencyMs, false, u"Dark"s, u"/data/"s, kDefaults.lastSong,
+        fromUtf8(longest), u"notanumber"s));
 
     SettingsDefaults fromCommandLine = kDefaults;
     fromCommandLine.commandLineSong = u"/songs/given.kqu";
@@ -72,9 +64,8 @@ TEST(AppSettings, WriteBackWhatTheyRead)
 {
     ScratchFolder folder;
     AppSettings odd = loadFrom(folder, "[General]\nStereo=5\nSmpFreq=22050\nBuffLength=640\nMidiMode=Chromatic\nMidiIn=Pad\n");
-    rememberRecentSong(odd, u"/a.kqu");
-    rememberRecentSong(odd, u"/b.kqu");
-    rememberRecentSong(odd, u"/a.kqu");
+    for (std::u16string_view name : { u"/a.kqu", u"/b.kqu", u"/a.kqu" })
+        rememberRecentSong(odd, name);
     for (int song = 0; song < 4; ++song)
         rememberRecentSong(odd, fromUtf8("/n" + std::to_string(song) + ".kqu"));
     // Names the file's syntax gives a meaning to.
@@ -89,38 +80,30 @@ TEST(AppSettings, WriteBackWhatTheyRead)
     }
     QSettings again(QString::fromStdString((folder.path() / "Pulsara.ini").string()), plainIniFormat());
     AppSettings reread = loadSettings(again, kDefaults);
-    EXPECT_EQ(reread.sampleRate, 22050u);
-    EXPECT_EQ(reread.bufferLength, AppSettings::kMaxLatencyMs);
+    EXPECT_EQ(std::tie(reread.sampleRate, reread.bufferLength, reread.midiMode, reread.midiIn),
+        std::tuple(22050u, AppSettings::kMaxLatencyMs, 1u, u"Pad"s));
     EXPECT_EQ(reread.recentSongs, odd.recentSongs);
-    EXPECT_EQ(reread.midiMode, 1u);
-    EXPECT_EQ(reread.midiIn, u"Pad");
 }
 
 TEST(AppSettings, ReadWhatQtWritesAndPassOverStoredObjects)
 {
     ScratchFolder folder;
     const QString path = QString::fromStdString((folder.path() / "Qt.ini").string());
-    const QStringList recent { QStringLiteral("/a, b.kqu"), QStringLiteral("@c.kqu"), QStringLiteral("/\u00e9.kqu") };
     {
         QSettings qt(path, QSettings::IniFormat);
-        qt.setValue("RecentSongs", recent);
+        qt.setValue("RecentSongs", QStringList { "/a, b.kqu", "@c.kqu", "/\u00e9.kqu" });
         qt.setValue("SmpFreq", 48000);
         qt.setValue("Skin", QStringLiteral("Dark Blue"));
     }
     QSettings plain(path, plainIniFormat());
     AppSettings read = loadSettings(plain, kDefaults);
-    EXPECT_EQ(read.sampleRate, 48000u);
-    EXPECT_EQ(read.skinName, u"Dark Blue");
-    ASSERT_EQ(read.recentSongs.size(), 3u);
-    for (int song = 0; song < 3; ++song)
-        EXPECT_EQ(read.recentSongs[size_t(song)], recent[song].toStdU16String());
+    EXPECT_EQ(std::tie(read.sampleRate, read.skinName, read.recentSongs),
+        std::tuple(48000u, u"Dark Blue"s, std::vector<std::u16string> { u"/a, b.kqu", u"@c.kqu", u"/\u00e9.kqu" }));
 
     // A list that claims two thousand million entries, and a picture: neither is decoded.
     AppSettings stored = loadFrom(folder, std::string("[General]\nRecentSongs=@Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff)\n")
             + "Skin=@Variant(\\0\\0\\0\\x46)\nSmpFreq=@Invalid()\n");
-    EXPECT_TRUE(stored.recentSongs.empty());
-    EXPECT_EQ(stored.skinName, u"Default");
-    EXPECT_EQ(stored.sampleRate, 44100u);
+    EXPECT_EQ(std::tie(stored.sampleRate, stored.skinName, stored.recentSongs), std::tuple(44100u, u"Default"s, std::vector<std::u16string> {}));
 }
 
 TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
@@ -136,8 +119,7 @@ TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
     EXPECT_EQ(dialog.format().itemText(3), QStringLiteral("48,000 Hz"));
     EXPECT_EQ(dialog.format().currentIndex(), -1) << "32,000 Hz is not in the list";
     EXPECT_EQ(dialog.latencyLabel().text(), QStringLiteral("120 ms"));
-    EXPECT_EQ(dialog.latency().minimum(), 30);
-    EXPECT_EQ(dialog.latency().maximum(), 600);
+    EXPECT_EQ(std::pair(dialog.latency().minimum(), dialog.latency().maximum()), std::pair(30, 600));
     // The default first, then the outputs, and a chosen one that is not there now, chosen still.
     ASSERT_EQ(dialog.device().count(), 4);
     EXPECT_EQ(dialog.device().itemText(0), QStringLiteral("Default"));
@@ -159,18 +141,14 @@ TEST(SettingsDialog, ShowsAndKeepsTheChangesWhicheverButtonClosesIt)
     dialog.shareDevice().setChecked(false);
     dialog.reject();
     dialog.applyTo(settings);
-    EXPECT_EQ(settings.sampleRate, 32000u) << "no rate chosen leaves the rate";
-    EXPECT_EQ(settings.channels, 2);
-    EXPECT_EQ(settings.interpolation, 1u);
-    EXPECT_FALSE(settings.releaseWaveOut);
+    EXPECT_EQ(general(settings), std::tuple(32000u, 2, 1u, 0u, 600, false, u"Default"s, u""s, u""s, u""s, u""s)) << "no rate chosen leaves the rate";
     EXPECT_EQ(settings.device, u"USB headset");
     dialog.format().setCurrentIndex(3);
     dialog.device().setCurrentIndex(0);
     dialog.midiInput().setCurrentIndex(2);
     dialog.midiMode().setCurrentIndex(1);
     dialog.applyTo(settings);
-    EXPECT_EQ(settings.sampleRate, 48000u);
-    EXPECT_EQ(settings.device, u"") << "the default is no name";
-    EXPECT_EQ(settings.midiIn, u"Keystation 49 24:0");
-    EXPECT_EQ(settings.midiMode, 1u);
+    EXPECT_EQ(std::tie(settings.sampleRate, settings.device, settings.midiIn, settings.midiMode),
+        std::tuple(48000u, u""s, u"Keystation 49 24:0"s, 1u))
+        << "the default device is no name";
 }

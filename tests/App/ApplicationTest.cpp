@@ -12,23 +12,21 @@ using namespace pulsara::test;
 TEST(Application, LiveModeChecksItsMenuItemAndLeavingItGivesTheEditorsTheirRoomBack)
 {
     DemoScreen screen;
-    Application& app = screen.app;
-    EXPECT_FALSE(app.livePanel(0).isVisible());
+    EXPECT_FALSE(screen.app.livePanel(0).isVisible());
     screen.command(Application::kLiveactCommand);
-    EXPECT_TRUE(app.isLiveact());
+    EXPECT_TRUE(screen.app.isLiveact());
     EXPECT_TRUE(screen.window.checkedItems[Application::kLiveactCommand]);
-    EXPECT_TRUE(app.livePanel(1).isVisible());
+    EXPECT_TRUE(screen.app.livePanel(1).isVisible());
     screen.command(Application::kLiveactCommand);
     EXPECT_FALSE(screen.window.checkedItems[Application::kLiveactCommand]);
-    EXPECT_EQ(*app.mainEditor().rect(), (ElemRect { 0, 72, 1200, 708 }));
-    EXPECT_FALSE(app.livePanel(0).isVisible());
+    EXPECT_EQ(*screen.app.mainEditor().rect(), (ElemRect { 0, 72, 1200, 708 }));
+    EXPECT_FALSE(screen.app.livePanel(0).isVisible());
 }
 
 TEST(Application, NarrowWindowsDropThePairDisplayThenTheCounter)
 {
     DemoScreen screen;
-    Application& app = screen.app;
-    const int counter = app.counterDisplay().preferredWidth();
+    const int counter = screen.app.counterDisplay().preferredWidth();
     // The room between the page buttons (168) and the play button (116 from the right).
     struct Case {
         int room;
@@ -38,13 +36,13 @@ TEST(Application, NarrowWindowsDropThePairDisplayThenTheCounter)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.room);
         screen.resize(168 + 116 + c.room, 400);
-        EXPECT_EQ(app.counterDisplay().isVisible(), c.counterShown);
-        EXPECT_EQ(app.pairDisplay().isVisible(), c.pairShown);
+        EXPECT_EQ(screen.app.counterDisplay().isVisible(), c.counterShown);
+        EXPECT_EQ(screen.app.pairDisplay().isVisible(), c.pairShown);
         if (c.pairShown) {
-            EXPECT_EQ(app.pairDisplay().rect()->right(), app.playButton().rect()->x - 4);
-            EXPECT_EQ(app.counterDisplay().rect()->right(), app.pairDisplay().rect()->x - 6);
+            EXPECT_EQ(screen.app.pairDisplay().rect()->right(), screen.app.playButton().rect()->x - 4);
+            EXPECT_EQ(screen.app.counterDisplay().rect()->right(), screen.app.pairDisplay().rect()->x - 6);
         } else if (c.counterShown) {
-            EXPECT_EQ(app.counterDisplay().rect()->right(), app.playButton().rect()->x - 4);
+            EXPECT_EQ(screen.app.counterDisplay().rect()->right(), screen.app.playButton().rect()->x - 4);
         }
     }
 }
@@ -64,26 +62,25 @@ TEST(Application, TheTitleMarksChangesUntilUndone)
 TEST(Application, KeysGoToTheFocusedPage)
 {
     DemoScreen screen;
-    Application& app = screen.app;
-    StepGridView& pattern = app.mainEditor().grid(0);
-    StepGridView& playlist = app.mainEditor().grid(1);
+    StepGridView& pattern = screen.app.mainEditor().grid(0);
+    StepGridView& playlist = screen.app.mainEditor().grid(1);
     screen.key(kKeyRight);
     screen.key(kKeyDown);
     EXPECT_EQ(pattern.cursorColumn(), 1);
     EXPECT_EQ(pattern.cursorRow(), 1);
-    const Step before = app.song().player().pattern(0).cell(1, 1);
+    const Step before = screen.app.song().player().pattern(0).cell(1, 1);
     screen.key(kKeyReturn);
-    EXPECT_NE(app.song().player().pattern(0).cell(1, 1).isNote(), before.isNote());
+    EXPECT_NE(screen.app.song().player().pattern(0).cell(1, 1).isNote(), before.isNote());
 
-    screen.click(WindowDriver::centre(app.pageButton(1)));
-    EXPECT_EQ(app.mainEditor().page(), 1);
-    EXPECT_EQ(app.focusedEditor(), 1);
+    screen.click(WindowDriver::centre(screen.app.pageButton(1)));
+    EXPECT_EQ(screen.app.mainEditor().page(), 1);
+    EXPECT_EQ(screen.app.focusedEditor(), 1);
     screen.key(kKeyRight);
     screen.key(kKeyPageDown);
     EXPECT_EQ(playlist.cursorColumn(), 1);
     EXPECT_EQ(pattern.cursorColumn(), 1) << "the hidden page's cursor stays";
 
-    app.setFocusedEditor(2);
+    screen.app.setFocusedEditor(2);
     screen.key(kKeyLeft);
     EXPECT_EQ(playlist.cursorColumn(), 1) << "no page has the keys";
 }
@@ -91,54 +88,50 @@ TEST(Application, KeysGoToTheFocusedPage)
 TEST(Application, SpaceAndThePlayButtonPlayAndStop)
 {
     DemoScreen screen;
-    Application& app = screen.app;
     screen.key(kKeySpace);
-    EXPECT_TRUE(app.transport().isPlaying());
-    EXPECT_TRUE(app.playButton().isPressed());
-    screen.click(WindowDriver::centre(app.playButton()));
-    EXPECT_FALSE(app.transport().isPlaying());
-    EXPECT_FALSE(app.playButton().isPressed());
+    EXPECT_TRUE(screen.app.transport().isPlaying());
+    EXPECT_TRUE(screen.app.playButton().isPressed());
+    screen.click(WindowDriver::centre(screen.app.playButton()));
+    EXPECT_FALSE(screen.app.transport().isPlaying());
+    EXPECT_FALSE(screen.app.playButton().isPressed());
 
     // The playlist's ruler moves the song position, which the counter shows from 1.
-    screen.click(WindowDriver::centre(app.pageButton(1)));
-    StepGridView& playlist = app.mainEditor().grid(1);
-    ElemRect ruler = playlist.cellRect(3, 0);
-    screen.click({ ruler.x + 4, playlist.rect()->y + 4 });
-    app.followPlayback();
-    EXPECT_EQ(app.counterDisplay().value(), 4);
+    screen.click(WindowDriver::centre(screen.app.pageButton(1)));
+    StepGridView& playlist = screen.app.mainEditor().grid(1);
+    screen.click(cellCentre(playlist, 3, -1));
+    screen.app.followPlayback();
+    EXPECT_EQ(screen.app.counterDisplay().value(), 4);
     EXPECT_EQ(playlist.playColumn(), 3);
 }
 
 TEST(Application, LiveKeysPlayOncePerPress)
 {
     DemoScreen screen;
-    Application& app = screen.app;
     screen.command(Application::kLiveactCommand);
-    app.song().player().triggerLive(-1);
+    screen.app.song().player().triggerLive(-1);
     screen.key('Q', kKeyRepeatFlag);
-    EXPECT_EQ(app.song().player().soloTrack(), -1) << "a held key's repeats play nothing";
+    EXPECT_EQ(screen.app.song().player().soloTrack(), -1) << "a held key's repeats play nothing";
     screen.key('Q');
-    EXPECT_EQ(app.song().player().soloTrack(), 10);
-    EXPECT_TRUE(app.livePanel(0).isLit(10));
-    const int32_t cursor = app.mainEditor().grid(0).cursorColumn();
+    EXPECT_EQ(screen.app.song().player().soloTrack(), 10);
+    EXPECT_TRUE(screen.app.livePanel(0).isLit(10));
+    const int32_t cursor = screen.app.mainEditor().grid(0).cursorColumn();
     screen.key(kKeyRight);
-    EXPECT_EQ(app.mainEditor().grid(0).cursorColumn(), cursor + 1) << "keys that play nothing still edit";
+    EXPECT_EQ(screen.app.mainEditor().grid(0).cursorColumn(), cursor + 1) << "keys that play nothing still edit";
 }
 
 TEST(Application, SongPropertiesPopUpClosesOnItsButtonATapOutsideOrEscape)
 {
     DemoScreen screen;
-    Application& app = screen.app;
     screen.command(Application::kSongPropertiesCommand);
-    ASSERT_EQ(app.overlay(), &app.songProperties());
-    EXPECT_EQ(*app.songProperties().rect(), (ElemRect { 10, (780 - 100) / 2, 1180, 100 }));
+    ASSERT_EQ(screen.app.overlay(), &screen.app.songProperties());
+    EXPECT_EQ(*screen.app.songProperties().rect(), (ElemRect { 10, (780 - 100) / 2, 1180, 100 }));
     screen.click({ 5, 5 });
-    EXPECT_EQ(app.overlay(), nullptr);
+    EXPECT_EQ(screen.app.overlay(), nullptr);
     screen.command(Application::kSongPropertiesCommand);
     screen.key(kKeyEscape);
-    EXPECT_EQ(app.overlay(), nullptr);
+    EXPECT_EQ(screen.app.overlay(), nullptr);
     EXPECT_TRUE(screen.window.calls.empty() || screen.window.calls.back() != "quit") << "Escape closed the pop-up only";
     screen.command(Application::kSongPropertiesCommand);
-    screen.click(WindowDriver::centre(app.songProperties().closeButton()));
-    EXPECT_EQ(app.overlay(), nullptr);
+    screen.click(WindowDriver::centre(screen.app.songProperties().closeButton()));
+    EXPECT_EQ(screen.app.overlay(), nullptr);
 }

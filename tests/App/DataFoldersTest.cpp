@@ -15,20 +15,16 @@ using namespace pulsara;
 namespace {
 
 // Sets an environment variable for the test's lifetime, or unsets it (nullopt).
-class ScopedVariable {
-public:
-    ScopedVariable(const char* name, std::optional<std::string> value)
-        : name_(name)
+struct ScopedVariable {
+    ScopedVariable(const char* name, std::optional<std::string> value) : name(name)
     {
-        if (const char* old = std::getenv(name))
-            old_ = old;
+        if (const char* was = std::getenv(name))
+            old = was;
         value ? ::setenv(name, value->c_str(), 1) : ::unsetenv(name);
     }
-    ~ScopedVariable() { old_ ? ::setenv(name_, old_->c_str(), 1) : ::unsetenv(name_); }
-
-private:
-    const char* name_;
-    std::optional<std::string> old_;
+    ~ScopedVariable() { old ? ::setenv(name, old->c_str(), 1) : ::unsetenv(name); }
+    const char* name;
+    std::optional<std::string> old;
 };
 
 } // namespace
@@ -44,8 +40,7 @@ TEST(DataFolders, SamplesFolderIsInTheDocumentsFolderQtNames)
     const std::string home = folder.path().string() + "/home";
     const struct {
         std::string home;
-        std::optional<std::string> configHome;
-        std::optional<std::string> userDirs;
+        std::optional<std::string> configHome, userDirs;
     } cases[] = {
         { home, std::nullopt, std::nullopt },
         { home, std::nullopt, "XDG_DESKTOP_DIR=\"$HOME/Desktop\"\nXDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n" },

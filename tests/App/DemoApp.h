@@ -4,32 +4,20 @@
 // window messages on a recording window (DemoScreen), or shown in a real main window (DemoWindow).
 #include "App/Application.h"
 #include "App/MainWindow.h"
-#include "GUI/WindowDriver.h"
+#include "GUI/editors/EditorHarness.h"
 #include "support/PulledWaveDevice.h"
 
 namespace pulsara::test {
-
-inline constexpr const char16_t* kDemoSong = u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu";
 
 struct DemoApp {
     pulsara::testing::PulledWaveDevice device;
     Application app { loadedSkin(), device };
 
-    explicit DemoApp(std::u16string_view song = kDemoSong)
-    {
-        app.initialise(30);
-        if (!song.empty())
-            app.loadSongFile(song);
-    }
+    DemoApp() { app.initialise(30); app.loadSongFile(u"" PULSARA_SHARE_DIR "/Demo/zzzDemo.kqu"); }
 };
 
 struct DemoScreen : DemoApp, WindowDriver {
-    explicit DemoScreen(int width = 1200, int height = 780, std::u16string_view song = kDemoSong)
-        : DemoApp(song)
-        , WindowDriver(app)
-    {
-        open(width, height);
-    }
+    explicit DemoScreen(int width = 1200, int height = 780) : WindowDriver(app) { open(width, height); }
 };
 
 struct DemoWindow : DemoApp {

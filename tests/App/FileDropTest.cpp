@@ -34,11 +34,7 @@ struct Window : DemoWindow {
         QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&window.canvas(), &event);
     }
-    QPoint label(int row)
-    {
-        StepGridView& grid = app.mainEditor().grid(0);
-        return { grid.rect()->x + 4, grid.cellRect(0, row).toQRect().center().y() };
-    }
+    QPoint label(int row) { return labelCentre(app.mainEditor().grid(0), row); }
     std::u16string path(uint32_t slot) { return std::u16string(app.song().instrument(slot).sample().path().view()); }
 };
 
@@ -72,10 +68,8 @@ TEST(FileDrop, LoadsSamplesOpensSongsAndRefusesTheRest)
     // On the cells: the chosen row's instrument, then the next empty ones (rows 9 and up).
     app.handleMessage(kMessageLeftButtonDown, 0, packPosition(window.label(7).x(), window.label(7).y()));
     app.handleMessage(kMessageLeftButtonUp, 0, packPosition(window.label(7).x(), window.label(7).y()));
-    window.drop(waves, app.mainEditor().grid(0).cellRect(4, 20).toQRect().center());
-    EXPECT_EQ(window.path(7), waves[0]);
-    EXPECT_EQ(window.path(8), waves[1]);
-    EXPECT_EQ(window.path(9), waves[2]);
+    window.drop(waves, cellCentre(app.mainEditor().grid(0), 4, 20));
+    EXPECT_EQ((std::vector { window.path(7), window.path(8), window.path(9) }), waves);
     EXPECT_EQ(app.edits().history().undoText().toStdString(), "Open samples");
     app.edits().history().undo();
     EXPECT_EQ(window.path(8), u"") << "one step for the whole drop";
@@ -83,7 +77,6 @@ TEST(FileDrop, LoadsSamplesOpensSongsAndRefusesTheRest)
     // A song opens, after the question about the changes.
     answers.asked.clear();
     window.drop({ u"" PULSARA_SHARE_DIR "/Demo/Empty kit.kqt" }, window.label(0));
-    ASSERT_EQ(answers.asked.size(), 1u);
-    EXPECT_EQ(answers.asked[0].caption, u"Open Song");
+    EXPECT_EQ(answers.captions(), std::vector<std::u16string> { u"Open Song" });
     EXPECT_EQ(app.titleText(), u"Pulsara - zzzDemo*") << "Cancel kept the song";
 }

@@ -7,7 +7,6 @@
 #include <QUndoStack>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <random>
 #include <thread>
 
@@ -59,12 +58,9 @@ TEST(RandomGestures, LeaveTheSongWithinItsLimitsWhilePlaying)
     Application& app = screen.app;
     ASSERT_EQ(app.transport().play(), 1);
 
-    std::atomic<bool> rendering { true };
-    std::thread device([&] {
-        while (rendering.load()) {
+    std::jthread device([&](std::stop_token stop) {
+        for (; !stop.stop_requested(); std::this_thread::yield())
             screen.device.pull(256, 1);
-            std::this_thread::yield();
-        }
     });
 
     std::mt19937 random(20261123);
@@ -110,7 +106,7 @@ TEST(RandomGestures, LeaveTheSongWithinItsLimitsWhilePlaying)
     }
     screen.release(pointer);
     app.transport().close();
-    rendering = false;
+    device.request_stop();
     device.join();
     expectWithinLimits(app.song());
     EXPECT_GT(app.edits().history().count(), 0) << "the gestures edited the song";

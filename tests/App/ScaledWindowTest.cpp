@@ -34,7 +34,7 @@ TEST(ScaledWindow, EveryCellHasTheSameSizeAndClicksHitTheirCells)
 
     // A click at the screen position of a cell toggles that cell, even the last one in view.
     for (auto [column, row] : { std::pair { 5, 1 }, std::pair { 10, 2 } }) {
-        QPointF at = QPointF(grid.cellRect(column, row).toQRect().center()) * (2.0 / 1.5);
+        QPointF at = QPointF(cellCentre(grid, column, row)) * (2.0 / 1.5);
         QMouseEvent press(QEvent::MouseButtonPress, at, canvas.mapToGlobal(at), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
         QMouseEvent release(QEvent::MouseButtonRelease, at, canvas.mapToGlobal(at), Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&canvas, &press);

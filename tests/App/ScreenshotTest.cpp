@@ -24,18 +24,6 @@ struct Shot {
     const char* name;
 };
 
-QImage screenshot(const Shot& shot)
-{
-    test::DemoWindow shown(shot.size.width(), shot.size.height());
-    if (shot.view == View::PlaylistPage)
-        shown.app.showPage(1);
-    if (shot.view == View::Liveact)
-        shown.app.toggleLiveact();
-    QCoreApplication::processEvents();
-    return shown.window.grab().toImage().convertToFormat(QImage::Format_RGB32);
-}
-
-// The number of pixels with a channel that differs by more than the tolerance.
 int differingPixels(const QImage& actual, const QImage& expected)
 {
     int differing = 0;
@@ -54,7 +42,13 @@ TEST_P(Screenshot, MatchesTheReference)
 {
     const Shot& shot = GetParam();
     const QString referencePath = QStringLiteral(PULSARA_SOURCE_DIR "/tests/App/reference/") + shot.name + ".png";
-    QImage actual = screenshot(shot);
+    test::DemoWindow shown(shot.size.width(), shot.size.height());
+    if (shot.view == View::PlaylistPage)
+        shown.app.showPage(1);
+    if (shot.view == View::Liveact)
+        shown.app.toggleLiveact();
+    QCoreApplication::processEvents();
+    QImage actual = shown.window.grab().toImage().convertToFormat(QImage::Format_RGB32);
     ASSERT_EQ(actual.size(), shot.size);
     if (qEnvironmentVariableIsSet("PULSARA_UPDATE_REFERENCES")) {
         ASSERT_TRUE(actual.save(referencePath));

@@ -27,13 +27,13 @@ using namespace pulsara::test;
 
 namespace {
 
+void write(Song& song, std::u16string_view path) { RecordingLocator locator; saveSong(song, path, locator); }
+
 struct RecordingHost final : DocumentHost {
     std::u16string title;
-    int shown = 0;
     bool closed = false;
-    std::vector<std::u16string> templates;
-    std::vector<std::u16string> remembered;
-    void showNewSong() override { ++shown; }
+    std::vector<std::u16string> templates, remembered;
+    void showNewSong() override { }
     void setTitle(std::u16string_view text) override { title = text; }
     void storeViewState() override { }
     bool stopForExport() override { return false; }
@@ -64,8 +64,7 @@ struct Document {
         std::u16string path = folder.file("songs/" + name);
         Song file;
         file.player().setPatternName(0, u"from file");
-        RecordingLocator locator;
-        saveSong(file, path, locator);
+        write(file, path);
         document.setSongPath(path);
         document.loadSongFile();
         return path;
@@ -78,8 +77,7 @@ struct Document {
 // A folder with room for 64 KiB: a tmpfs of that size over it where this process may mount one
 // (in a mount namespace of its own), else a limit on the size of the files it writes, which
 // stops a write as a full disk does.
-class SmallDisk {
-public:
+struct SmallDisk {
     explicit SmallDisk(const std::filesystem::path& folder) : folder_(folder)
     {
         mounted_ = ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
@@ -98,8 +96,6 @@ public:
         else
             ::setrlimit(RLIMIT_FSIZE, &limit_);
     }
-
-private:
     std::filesystem::path folder_;
     bool mounted_ = false;
     rlimit limit_ {};
@@ -115,10 +111,6 @@ TEST(SongDocument, TitlesNameTheSongAndMarkItsChanges)
     EXPECT_EQ(doc.host.title, u"Pulsara - Untitled*");
     doc.open("a.b.kqu");
     EXPECT_EQ(doc.host.title, u"Pulsara - a") << "the name stops at the first dot";
-    doc.edit();
-    EXPECT_EQ(doc.host.title, u"Pulsara - a*");
-    doc.edits.history().undo();
-    EXPECT_EQ(doc.host.title, u"Pulsara - a");
 }
 
 TEST(SongDocument, AsksToSaveChangesOnlyWhenThereAreAny)
@@ -145,12 +137,8 @@ TEST(SongDocument, AsksToSaveChangesOnlyWhenThereAreAny)
         if (c.dirty)
             doc.edit();
         EXPECT_EQ(doc.document.askSaveChanges(u"Exit"), c.aborted);
-        ASSERT_EQ(answers.asked.size(), c.question ? 1u : 0u);
-        if (c.question) {
-            EXPECT_EQ(answers.asked[0].text, c.question);
-            EXPECT_EQ(answers.asked[0].caption, u"Exit");
-            EXPECT_EQ(answers.asked[0].buttons, PromptButtons::YesNoCancel);
-        }
+        using Questions = ScriptedPrompts::Questions;
+        EXPECT_EQ(answers.asked, (c.question ? Questions { { c.question, u"Exit", PromptButtons::YesNoCancel } } : Questions {}));
     }
 
     // The other callers' captions.
@@ -160,9 +148,7 @@ TEST(SongDocument, AsksToSaveChangesOnlyWhenThereAreAny)
     doc.document.newEmptySong();
     doc.document.openSong();
     doc.document.exitApp();
-    ASSERT_EQ(answers.asked.size(), 3u);
-    EXPECT_EQ(answers.asked[0].caption, u"New Song");
-    EXPECT_EQ(answers.asked[1].caption, u"Open Song");
+    EXPECT_EQ(answers.captions(), (std::vector<std::u16string> { u"New Song", u"Open Song", u"Exit" }));
     EXPECT_FALSE(doc.host.closed) << "Cancel keeps the program";
 }
 
@@ -240,10 +226,9 @@ TEST(SongDocument, TheTemplatesMenuListsTheTemplatesFolder)
     EXPECT_EQ(doc.host.templates, (std::vector<std::u16string> { u"Drums" }));
 
     // A template opens untitled and clean, and is no recent song.
-    RecordingLocator locator;
     Song file;
     file.player().setPatternName(3, u"template");
-    saveSong(file, doc.folder.file("templates/Drums.kqt"), locator);
+    write(file, doc.folder.file("templates/Drums.kqt"));
     EXPECT_EQ(doc.document.newFromTemplate(0), 1);
     EXPECT_EQ(doc.song.player().patternName(3), u"template");
     EXPECT_EQ(doc.host.title, u"Pulsara - Untitled");
@@ -270,9 +255,8 @@ TEST(SongDocument, AsksForSamplesThatAreNotWhereTheSongSays)
         Song withSamples;
         withSamples.instrument(0).sample().load(kick);
         withSamples.instrument(1).sample().load(kick);
-        RecordingLocator locator;
         const std::u16string path = doc.folder.write("songs/beat.kqu", {});
-        saveSong(withSamples, path, locator);
+        write(withSamples, path);
         std::filesystem::remove(doc.folder.path() / "elsewhere/kick.wav");
         const std::u16string moved = doc.folder.write("moved/kick.wav", makeWav(1, 44100, 16, pcm16({ 5, 6 })));
 
@@ -280,8 +264,7 @@ TEST(SongDocument, AsksForSamplesThatAreNotWhereTheSongSays)
         ScriptedFileDialogs chosen(moved);
         doc.document.setSongPath(path);
         ASSERT_EQ(doc.document.loadSongFile(), 1);
-        ASSERT_EQ(answers.asked.size(), c.questions);
-        EXPECT_EQ(answers.asked[0].caption, u"Sampler");
+        ASSERT_EQ(answers.captions(), std::vector<std::u16string>(c.questions, u"Sampler"));
         EXPECT_EQ(answers.asked[0].text.rfind(u"Can't find file\"", 0), 0u);
         EXPECT_EQ(doc.song.instrument(0).sample().isLoaded(), c.found);
         EXPECT_EQ(doc.song.instrument(1).sample().isLoaded(), c.found);
@@ -313,8 +296,7 @@ TEST(SongDocument, OffersTheCopyACrashLeftBehind)
         next.document.setFolders(doc.folder.file("songs"), {}, {});
         next.document.setSongPath(path);
         next.document.loadSongFile();
-        ASSERT_EQ(answers.asked.size(), 1u);
-        EXPECT_EQ(answers.asked[0].caption, u"Recover");
+        EXPECT_EQ(answers.captions(), std::vector<std::u16string> { u"Recover" });
         EXPECT_EQ(next.song.player().pattern(0).cell(0, 1).isNote(), answer == PromptAnswer::Yes);
         EXPECT_EQ(next.document.isDirty(), answer == PromptAnswer::Yes);
         EXPECT_EQ(std::filesystem::exists(copy), answer == PromptAnswer::Yes) << "declined, the copy goes";

@@ -29,8 +29,7 @@ struct FillCounter final : MeterListener {
         soundingFills.fetch_add(left != 0.0f || right != 0.0f ? 1 : 0, std::memory_order_relaxed);
     }
     void onCpuLoad(float) override { }
-    std::atomic<uint32_t> fills { 0 };
-    std::atomic<uint32_t> soundingFills { 0 };
+    std::atomic<uint32_t> fills { 0 }, soundingFills { 0 };
 };
 
 // Eight tracks with tones and notes in pattern 0 at position 0; an empty pattern at position 5

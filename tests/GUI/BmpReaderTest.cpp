@@ -1,6 +1,5 @@
 #include "GUI/BmpReader.h"
-#include "BmpFileBuilder.h"
-#include "PixelChecks.h"
+#include "TestImages.h"
 
 #include <gtest/gtest.h>
 

@@ -17,8 +17,7 @@ using Log = std::vector<std::string>;
 
 // A root that records the messages the canvas sends it; closing can be refused, as the
 // application does when the user cancels saving.
-class MessageLog : public RootElement {
-public:
+struct MessageLog : RootElement {
     std::vector<uint32_t> messages;
     bool refuseClose = false;
     intptr_t handleMessage(uint32_t message, uintptr_t wParam, intptr_t lParam) override
@@ -27,15 +26,12 @@ public:
         return RootElement::handleMessage(message, wParam, lParam);
     }
     int count(uint32_t message) const { return int(std::count(messages.begin(), messages.end(), message)); }
-
-protected:
     intptr_t defaultHandling(uint32_t message, uintptr_t wParam, intptr_t lParam) override
     {
         return message == kMessageClose && refuseClose ? 0 : RootElement::defaultHandling(message, wParam, lParam);
     }
 };
 
-// A canvas with menus in a shown main window.
 struct ShownCanvas {
     QApplication& application = test::testApplication();
     MessageLog root;
@@ -44,10 +40,7 @@ struct ShownCanvas {
     bool menusBuilt = false;
     ShownCanvas()
     {
-        canvas.buildMenus = [this](QMenuBar* menuBar) {
-            menuBar->addMenu("File");
-            return menusBuilt = true;
-        };
+        canvas.buildMenus = [this](QMenuBar* menuBar) { menuBar->addMenu("File"); return menusBuilt = true; };
         frame.setCentralWidget(&canvas);
         frame.resize(320, 240);
         frame.show();

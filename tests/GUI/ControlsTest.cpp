@@ -36,17 +36,15 @@ QImage painted(Element& element, QSize size)
 // A slider on a knob whose first half is red, laid out at `rect`.
 struct SkinnedSlider {
     SkinBitmap knob;
-    SkinFrame groove, background;
+    SkinFrame frame; // the groove and the background
     Slider slider;
     SkinnedSlider(ElemRect rect, Slider::Orientation orientation = Slider::Orientation::Horizontal) : slider(orientation)
     {
         makeTwoColourBitmap(knob, 20, 10, 10, 10);
-        for (SkinFrame* frame : { &groove, &background }) {
-            frame->createBlank(nullptr, 4, 4);
-            frame->image().fill(Qt::black);
-            frame->setCorner(1);
-        }
-        slider.setSkin(&knob, &groove, &background);
+        frame.createBlank(nullptr, 4, 4);
+        frame.image().fill(Qt::black);
+        frame.setCorner(1);
+        slider.setSkin(&knob, &frame, &frame);
         slider.layout(rect);
     }
 };

@@ -20,21 +20,14 @@ inline QApplication& testApplication()
     return *application;
 }
 
-// Runs the event loop for the given time, or until `done` holds.
-template <typename Done = bool (*)()>
-void runEventLoopFor(int milliseconds, Done done = [] { return false; })
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < milliseconds && !done())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-}
-
 // Runs the event loop until `done` holds, for five seconds at most; returns whether it holds.
 template <typename Done>
 bool processEventsUntil(Done done)
 {
-    runEventLoopFor(5000, done);
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < 5000 && !done())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     return done();
 }
 

@@ -1,7 +1,4 @@
-#include "GUI/RootElement.h"
-#include "GUI/WindowMessage.h"
-#include "FakeWindow.h"
-#include "QtTestApplication.h"
+#include "WindowDriver.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +8,7 @@ namespace {
 using test::FakeWindow;
 using Log = std::vector<std::string>;
 
-// Fills its rectangle with one colour whenever it draws.
-class SolidElement : public Element {
-public:
+struct SolidElement : Element {
     SolidElement(QRgb colour, ElemRect rect) : colour_(colour) { layout(rect); }
     QRgb colour_;
     int draws = 0;
@@ -38,11 +33,7 @@ struct CreatedRoot {
         root.handleMessage(kMessageCreate, 0, reinterpret_cast<intptr_t>(static_cast<NativeWindow*>(&window)));
         root.handleMessage(kMessageSize, 0, 0);
     }
-    void paint(const QRegion& region)
-    {
-        window.paintRegion = region;
-        root.handleMessage(kMessagePaint, 0, 0);
-    }
+    void paint(const QRegion& region) { window.paintRegion = region; root.handleMessage(kMessagePaint, 0, 0); }
     void paintAll() { paint(QRegion(root.rect()->toQRect())); }
     QRgb pixel(int x, int y) const { return root.backBuffer().image().pixel(x, y); }
 };

@@ -2,8 +2,10 @@
 
 #include "GUI/FileDialogs.h"
 #include "GUI/Prompts.h"
+#include "base/text.h"
 
 #include <deque>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,10 +16,12 @@ namespace pulsara::test {
 class ScriptedPrompts final : public Prompts {
 public:
     struct Question {
-        std::u16string text;
-        std::u16string caption;
+        std::u16string text, caption;
         PromptButtons buttons;
+        bool operator==(const Question&) const = default;
+        friend void PrintTo(const Question& q, std::ostream* out) { *out << toUtf8(q.caption) << ": " << toUtf8(q.text) << " " << int(q.buttons); }
     };
+    using Questions = std::vector<Question>;
 
     explicit ScriptedPrompts(std::deque<PromptAnswer> answers = {}) : answers_(std::move(answers)) { previous_ = setPrompts(this); }
     ~ScriptedPrompts() override { setPrompts(previous_); }
@@ -34,7 +38,8 @@ public:
         return answer;
     }
 
-    std::vector<Question> asked;
+    Questions asked;
+    std::vector<std::u16string> captions() const { std::vector<std::u16string> all; for (auto& q : asked) all.push_back(q.caption); return all; }
 
 private:
     std::deque<PromptAnswer> answers_;
@@ -49,10 +54,9 @@ struct ScriptedFileDialogs {
         setFileDialogHook([this, answer](FileDialogKind, FilePath& path) {
             started = std::u16string(path.view());
             filter = path.filter;
-            if (answer.empty())
-                return 0;
-            path.assign(answer);
-            return 1;
+            if (!answer.empty())
+                path.assign(answer);
+            return answer.empty() ? 0 : 1;
         });
     }
     ~ScriptedFileDialogs() { setFileDialogHook({}); }

@@ -1,6 +1,6 @@
 #include "GUI/SkinFrame.h"
 #include "GUI/BmpWriter.h"
-#include "BmpFileBuilder.h"
+#include "TestImages.h"
 
 #include <QPainter>
 #include <QTemporaryDir>

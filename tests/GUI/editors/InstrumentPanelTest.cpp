@@ -44,15 +44,11 @@ TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
     panel.clear();
     EXPECT_TRUE(instrument.sample().isLoaded()) << "No keeps the instrument";
     panel.clear();
-    ASSERT_EQ(answers.asked.size(), 2u);
-    EXPECT_EQ(answers.asked[0].text, u"Are you sure to clear this instrument?");
-    EXPECT_EQ(answers.asked[0].caption, u"Clear");
-    EXPECT_EQ(answers.asked[0].buttons, PromptButtons::YesNo);
+    const ScriptedPrompts::Question clear { u"Are you sure to clear this instrument?", u"Clear", PromptButtons::YesNo };
+    EXPECT_EQ(answers.asked, (ScriptedPrompts::Questions { clear, clear }));
     EXPECT_FALSE(instrument.sample().isLoaded());
     EXPECT_EQ(instrument.volume(), 0.7f);
-    history.undo();
-    EXPECT_EQ(std::u16string_view(instrument.sample().path().view()), kick);
-    EXPECT_EQ(instrument.volume(), 0.5f);
+    EXPECT_EQ(history.undoText().toStdString(), "Clear instrument");
 
     // The slider's drag sets the volume in hundredths, as one step.
     editors.paint();
@@ -63,6 +59,4 @@ TEST(InstrumentPanel, OpensClearsAndSetsTheVolume)
     EXPECT_EQ(instrument.volume(), 1.0f);
     EXPECT_EQ(panel.percentText(), u"100%");
     EXPECT_EQ(history.undoText().toStdString(), "Change instrument volume");
-    history.undo();
-    EXPECT_EQ(instrument.volume(), 0.5f);
 }

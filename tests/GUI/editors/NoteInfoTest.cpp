@@ -5,6 +5,8 @@
 #include <QUndoStack>
 #include <gtest/gtest.h>
 
+#include <array>
+
 using namespace pulsara;
 using namespace pulsara::test;
 
@@ -12,7 +14,7 @@ TEST(NoteInfo, ReadsNotesAsNameOctaveVolumeAndLength)
 {
     struct Case {
         Step note;
-        const char16_t* lines[4];
+        std::array<std::u16string, 4> lines;
     };
     const Case cases[] = {
         { { 1.0f, 1.0f, 0 }, { u"Note: C", u"Octave: 5", u"Volume: 100%", u"Lenght: inf" } },
@@ -24,11 +26,8 @@ TEST(NoteInfo, ReadsNotesAsNameOctaveVolumeAndLength)
         { { 1.0f, 0.03125f, 0 }, { u"Note: C#", u"Octave: 0", u"Volume: 100%", u"Lenght: inf" } },
     };
     for (const Case& c : cases) {
-        NoteInfo::Controls controls = NoteInfo::controlsFor(c.note);
-        EXPECT_EQ(NoteInfo::noteLine(controls), c.lines[0]);
-        EXPECT_EQ(NoteInfo::octaveLine(controls), c.lines[1]);
-        EXPECT_EQ(NoteInfo::volumeLine(controls), c.lines[2]);
-        EXPECT_EQ(NoteInfo::lengthLine(controls), c.lines[3]);
+        const NoteInfo::Controls n = NoteInfo::controlsFor(c.note);
+        EXPECT_EQ((std::array { NoteInfo::noteLine(n), NoteInfo::octaveLine(n), NoteInfo::volumeLine(n), NoteInfo::lengthLine(n) }), c.lines);
     }
     EXPECT_FALSE(NoteInfo::controlsFor(kEmptyStep).volumeSlider >= 0.0f) << "an empty step shows no note";
     EXPECT_EQ(NoteInfo::controlsFor({ 1.0f, 1.0f, 64 * 256 }).lengthSlider, 1.0f);
@@ -36,15 +35,8 @@ TEST(NoteInfo, ReadsNotesAsNameOctaveVolumeAndLength)
 
 TEST(NoteInfo, ControlsMakeWholeSemitonesAndWholeSteps)
 {
-    NoteInfo::Controls controls;
-    controls.noteIndex = 7;
-    controls.octave = 4;
-    controls.volumeSlider = 0.5f;
-    controls.lengthSlider = 0.25f;
-    Step note = NoteInfo::noteFor(controls);
-    EXPECT_EQ(note.rate, 1.4983071f); // 2^(7/12)
-    EXPECT_EQ(note.volume, 0.5f * 1.2f);
-    EXPECT_EQ(note.parameter, 16 * 256);
+    NoteInfo::Controls controls { .noteIndex = 7, .octave = 4, .volumeSlider = 0.5f, .lengthSlider = 0.25f };
+    EXPECT_EQ(NoteInfo::noteFor(controls), (Step { 0.5f * 1.2f, 1.4983071f, 16 * 256 })); // 2^(7/12)
     controls.octave = 5;
     controls.noteIndex = 0;
     EXPECT_EQ(NoteInfo::noteFor(controls).rate, 2.0f);

@@ -16,42 +16,29 @@ constexpr int kPatternPage = 0;
 constexpr int kPlaylistPage = 1;
 
 struct Cell {
-    int column;
-    int row;
+    int column, row;
     float volume = 1.0f;
+    bool operator==(const Cell&) const = default;
 };
+
+std::ostream& operator<<(std::ostream& out, const Cell& cell) { return out << "(" << cell.column << "," << cell.row << " " << cell.volume << ")"; }
 
 // The cells that hold something: notes (with their volumes) or placed patterns.
 std::vector<Cell> setCells(Editors& editors, int page)
 {
     std::vector<Cell> cells;
-    for (int row = 0; row < 8; ++row) {
-        for (int column = 0; column < 16; ++column) {
-            if (page == kPatternPage) {
-                Step step = editors.song.player().pattern(0).cell(uint32_t(row), uint32_t(column));
-                if (step.isNote())
-                    cells.push_back({ column, row, step.volume });
-            } else if (editors.song.player().playlist().isOn(uint32_t(row), uint32_t(column))) {
-                cells.push_back({ column, row });
-            }
+    for (uint32_t row = 0; row < 8; ++row)
+        for (uint32_t column = 0; column < 16; ++column) {
+            Step step = editors.song.player().pattern(0).cell(row, column);
+            if (page == kPatternPage ? step.isNote() : editors.song.player().playlist().isOn(row, column))
+                cells.push_back({ int(column), int(row), page == kPatternPage ? step.volume : 1.0f });
         }
-    }
     return cells;
-}
-
-bool operator==(const Cell& a, const Cell& b)
-{
-    return a.column == b.column && a.row == b.row && a.volume == b.volume;
-}
-
-std::ostream& operator<<(std::ostream& out, const Cell& cell)
-{
-    return out << "(" << cell.column << "," << cell.row << " " << cell.volume << ")";
 }
 
 } // namespace
 
-TEST(StepGridView, LaysOutLabelsColumnsRowsAndTheScrollThumb)
+TEST(StepGridView, LaysOutLabelsColumnsRowsAndTheScrollThumbAndLabelsNoRowPastTheBanks)
 {
     struct Case {
         int page, width, height, steps;
@@ -77,48 +64,43 @@ TEST(StepGridView, LaysOutLabelsColumnsRowsAndTheScrollThumb)
         EXPECT_EQ(grid.visibleRows(), c.visibleRows);
         EXPECT_DOUBLE_EQ(grid.scrollBar().thumb(), c.thumb);
     }
+    // The labels of the rows shown (a track's or pattern's name, else its number from 1) are
+    // pinned by the screenshots; past the last row there is none.
+    Editors editors;
+    EXPECT_EQ(editors.grid(kPatternPage).rowLabel(40), u"");
+    EXPECT_EQ(editors.grid(kPlaylistPage).rowLabel(40), u"");
 }
 
 TEST(StepGridView, GesturesEditCellsAsOneUndoStep)
 {
-    struct Action {
-        char kind; // p: press, m: move, u: up
-        int column, row;
-    };
     struct Case {
         const char* name;
         int page;
         bool moveMode;
         std::vector<Cell> before;
-        std::vector<Action> actions;
+        std::vector<Cell> path; // pressed on the first cell, moved over the others, released on the last
         std::vector<Cell> after;
         const char* step; // the undo step's name; null when nothing changed
     };
     const Case cases[] = {
-        { "a tap paints", kPatternPage, false, {}, { { 'p', 2, 1 }, { 'u', 2, 1 } }, { { 2, 1 } }, "Paint notes" },
-        { "a tap on a note erases it", kPatternPage, false, { { 2, 1 } }, { { 'p', 2, 1 }, { 'u', 2, 1 } }, {}, "Erase notes" },
-        { "a drag fills the cells it skipped", kPatternPage, false, {}, { { 'p', 1, 0 }, { 'm', 5, 0 }, { 'u', 5, 0 } },
-            { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 }, { 5, 0 } }, "Paint notes" },
-        { "a drag backwards fills too", kPatternPage, false, {}, { { 'p', 6, 2 }, { 'm', 3, 2 }, { 'u', 3, 2 } },
-            { { 3, 2 }, { 4, 2 }, { 5, 2 }, { 6, 2 } }, "Paint notes" },
-        { "a drag from a note erases all the way", kPatternPage, false, { { 1, 0 }, { 3, 0 }, { 6, 0 } },
-            { { 'p', 1, 0 }, { 'm', 2, 0 }, { 'm', 4, 0 }, { 'u', 4, 0 } }, { { 6, 0 } }, "Erase notes" },
-        { "a drag from an empty cell paints over notes", kPatternPage, false, { { 3, 0, 0.5f } },
-            { { 'p', 1, 0 }, { 'm', 4, 0 }, { 'u', 4, 0 } }, { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 } }, "Paint notes" },
-        { "moving on the same cell does nothing more", kPatternPage, false, {}, { { 'p', 1, 1 }, { 'm', 1, 1 }, { 'm', 1, 1 }, { 'u', 1, 1 } },
-            { { 1, 1 } }, "Paint notes" },
-        { "move mode carries a note over others", kPatternPage, true, { { 1, 0, 0.25f }, { 3, 0, 0.5f } },
-            { { 'p', 1, 0 }, { 'm', 2, 0 }, { 'm', 3, 0 }, { 'm', 4, 0 }, { 'u', 4, 0 } }, { { 3, 0, 0.5f }, { 4, 0, 0.25f } },
-            "Move note" },
-        { "move mode carries a note to another row", kPatternPage, true, { { 1, 0, 0.25f } },
-            { { 'p', 1, 0 }, { 'm', 1, 1 }, { 'm', 1, 2 }, { 'u', 1, 2 } }, { { 1, 2, 0.25f } }, "Move note" },
-        { "move mode from an empty cell changes nothing", kPatternPage, true, { { 3, 0 } },
-            { { 'p', 1, 0 }, { 'm', 3, 0 }, { 'u', 3, 0 } }, { { 3, 0 } }, nullptr },
-        { "a tap places a pattern", kPlaylistPage, false, {}, { { 'p', 4, 2 }, { 'u', 4, 2 } }, { { 4, 2 } }, "Place patterns" },
-        { "a drag removes patterns", kPlaylistPage, false, { { 0, 0 }, { 1, 0 }, { 2, 0 } },
-            { { 'p', 0, 0 }, { 'm', 2, 0 }, { 'u', 2, 0 } }, {}, "Remove patterns" },
-        { "move mode moves a pattern", kPlaylistPage, true, { { 0, 1 } }, { { 'p', 0, 1 }, { 'm', 1, 1 }, { 'm', 2, 1 }, { 'u', 2, 1 } },
-            { { 2, 1 } }, "Move pattern" },
+        { "a tap paints", kPatternPage, false, {}, { { 2, 1 } }, { { 2, 1 } }, "Paint notes" },
+        { "a tap on a note erases it", kPatternPage, false, { { 2, 1 } }, { { 2, 1 } }, {}, "Erase notes" },
+        { "a drag fills the cells it skipped", kPatternPage, false, {}, { { 1, 0 }, { 5, 0 } }, { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 }, { 5, 0 } },
+            "Paint notes" },
+        { "a drag backwards fills too", kPatternPage, false, {}, { { 6, 2 }, { 3, 2 } }, { { 3, 2 }, { 4, 2 }, { 5, 2 }, { 6, 2 } }, "Paint notes" },
+        { "a drag from a note erases all the way", kPatternPage, false, { { 1, 0 }, { 3, 0 }, { 6, 0 } }, { { 1, 0 }, { 2, 0 }, { 4, 0 } },
+            { { 6, 0 } }, "Erase notes" },
+        { "a drag from an empty cell paints over notes", kPatternPage, false, { { 3, 0, 0.5f } }, { { 1, 0 }, { 4, 0 } },
+            { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 } }, "Paint notes" },
+        { "moving on the same cell does nothing more", kPatternPage, false, {}, { { 1, 1 }, { 1, 1 }, { 1, 1 } }, { { 1, 1 } }, "Paint notes" },
+        { "move mode carries a note over others", kPatternPage, true, { { 1, 0, 0.25f }, { 3, 0, 0.5f } }, { { 1, 0 }, { 2, 0 }, { 3, 0 }, { 4, 0 } },
+            { { 3, 0, 0.5f }, { 4, 0, 0.25f } }, "Move note" },
+        { "move mode carries a note to another row", kPatternPage, true, { { 1, 0, 0.25f } }, { { 1, 0 }, { 1, 1 }, { 1, 2 } },
+            { { 1, 2, 0.25f } }, "Move note" },
+        { "move mode from an empty cell changes nothing", kPatternPage, true, { { 3, 0 } }, { { 1, 0 }, { 3, 0 } }, { { 3, 0 } }, nullptr },
+        { "a tap places a pattern", kPlaylistPage, false, {}, { { 4, 2 } }, { { 4, 2 } }, "Place patterns" },
+        { "a drag removes patterns", kPlaylistPage, false, { { 0, 0 }, { 1, 0 }, { 2, 0 } }, { { 0, 0 }, { 2, 0 } }, {}, "Remove patterns" },
+        { "move mode moves a pattern", kPlaylistPage, true, { { 0, 1 } }, { { 0, 1 }, { 1, 1 }, { 2, 1 } }, { { 2, 1 } }, "Move pattern" },
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -131,15 +113,10 @@ TEST(StepGridView, GesturesEditCellsAsOneUndoStep)
             else
                 editors.song.player().playlist().set(uint32_t(cell.row), uint32_t(cell.column), 1.0f);
         }
-        for (const Action& action : c.actions) {
-            QPoint at = editors.cell(c.page, action.column, action.row);
-            if (action.kind == 'p')
-                editors.press(at);
-            else if (action.kind == 'm')
-                editors.move(at);
-            else
-                editors.release(at);
-        }
+        editors.press(editors.cell(c.page, c.path.front().column, c.path.front().row));
+        for (size_t i = 1; i < c.path.size(); ++i)
+            editors.move(editors.cell(c.page, c.path[i].column, c.path[i].row));
+        editors.release(editors.cell(c.page, c.path.back().column, c.path.back().row));
         EXPECT_EQ(setCells(editors, c.page), c.after);
         QUndoStack& history = editors.edits.history();
         ASSERT_EQ(history.count(), c.step ? 1 : 0);
@@ -171,15 +148,6 @@ TEST(StepGridView, RulerTouchesMoveThePlayPositionAndNoCell)
     EXPECT_EQ(editors.host.playedPattern, -1) << "the ruler plays the song";
 }
 
-// The labels of the rows shown (a track's or pattern's name, else its number from 1) are pinned
-// by the screenshots; past the last row there is none.
-TEST(StepGridView, RowsPastTheBanksHaveNoLabel)
-{
-    Editors editors;
-    EXPECT_EQ(editors.grid(kPatternPage).rowLabel(40), u"");
-    EXPECT_EQ(editors.grid(kPlaylistPage).rowLabel(40), u"");
-}
-
 TEST(StepGridView, LabelTapSelectsAndHoldOrDoubleClickRenames)
 {
     Editors editors;
@@ -197,8 +165,7 @@ TEST(StepGridView, LabelTapSelectsAndHoldOrDoubleClickRenames)
     EXPECT_TRUE(editors.window.textEdit->shown);
     EXPECT_EQ(editors.window.textEdit->content, u"Bass");
     EXPECT_EQ(editors.window.textEdit->geometry.y, editors.grid(kPatternPage).cellRect(0, 5).y);
-    editors.window.textEdit->content = u"Sub bass";
-    editors.window.textEdit->finish(true);
+    editors.window.textEdit->enter(u"Sub bass", true);
     EXPECT_EQ(editors.song.instrument(5).name(), u"Sub bass");
     EXPECT_EQ(editors.edits.history().undoText().toStdString(), "Rename instrument");
 
@@ -206,12 +173,10 @@ TEST(StepGridView, LabelTapSelectsAndHoldOrDoubleClickRenames)
     editors.editor.showPage(kPlaylistPage);
     editors.doubleClick(editors.label(kPlaylistPage, 2));
     EXPECT_TRUE(editors.window.textEdit->shown);
-    editors.window.textEdit->content = u"Verse";
-    editors.window.textEdit->finish(false);
+    editors.window.textEdit->enter(u"Verse", false);
     EXPECT_EQ(editors.song.player().patternName(2), u"");
     editors.doubleClick(editors.label(kPlaylistPage, 2));
-    editors.window.textEdit->content = u"Verse";
-    editors.window.textEdit->finish(true);
+    editors.window.textEdit->enter(u"Verse", true);
     EXPECT_EQ(editors.song.player().patternName(2), u"Verse");
 
     // A pattern's label on the playlist chooses it for the pattern page and plays it.
@@ -247,8 +212,7 @@ TEST(StepGridView, LoopPopupSetsTheLoop)
         ASSERT_EQ(editors.window.popupItems.size(), 6u);
         EXPECT_EQ(editors.window.popupItems[0].text, u"Loop");
         EXPECT_EQ(editors.window.popupAt.x, editors.grid(kPlaylistPage).cellRect(c.column + 1, 0).x);
-        EXPECT_EQ(editors.song.player().loopStart(), c.startAfter);
-        EXPECT_EQ(editors.song.player().loopEnd(), c.endAfter);
+        EXPECT_EQ(std::pair(editors.song.player().loopStart(), editors.song.player().loopEnd()), std::pair(c.startAfter, c.endAfter));
         EXPECT_EQ(editors.grid(kPlaylistPage).dragState(), StepGridView::kIdle);
     }
 }

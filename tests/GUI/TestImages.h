@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <fstream>
+#include <string>
 #include <vector>
 
 namespace pulsara::test {
@@ -11,8 +14,7 @@ namespace pulsara::test {
 // Hand-made BMP files: a header with chosen fields followed by the given pixel bytes as they
 // are, so that tests can make files that are padded, unpadded, short or wrong.
 struct BmpFileBuilder {
-    int32_t width = 1;
-    int32_t height = 1;
+    int32_t width = 1, height = 1;
     uint16_t bitsPerPixel = 24;
     uint32_t compression = 0;
     std::vector<uint32_t> palette; // 0x00RRGGBB entries, written after the header
@@ -42,6 +44,17 @@ struct BmpFileBuilder {
 inline void writeFile(const QString& path, const std::vector<uint8_t>& bytes)
 {
     std::ofstream(path.toStdString(), std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+struct PixelAt {
+    int x, y;
+    QRgb colour;
+};
+
+inline void expectPixels(const QImage& image, const std::vector<PixelAt>& pixels, const std::string& what = {})
+{
+    for (const PixelAt& p : pixels)
+        EXPECT_EQ(image.pixel(p.x, p.y), p.colour) << what << " at " << p.x << "," << p.y;
 }
 
 } // namespace pulsara::test

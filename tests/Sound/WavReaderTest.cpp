@@ -53,11 +53,7 @@ protected:
         EXPECT_FALSE(sample.isLoaded());
         EXPECT_TRUE(sample.displayName().empty());
         EXPECT_EQ(sample.length(), 0);
-        ASSERT_EQ(reports.reports().size(), 1u);
-        EXPECT_EQ(reports.last().code, 0);
-        EXPECT_EQ(reports.last().source, source);
-        EXPECT_EQ(reports.last().line, line);
-        EXPECT_EQ(reports.last().message, message);
+        EXPECT_EQ(reports.summaries(), (std::vector<ReportSummary> { { 0, source, line, std::u16string(message) } }));
     }
 
     ScratchFolder folder;
@@ -76,15 +72,9 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
     floatSaid16[34] = 16;
     WavChunk extensible = formatChunk(1, 44100, 16);
     extensible.bytes.resize(40, 0xAB);
-    const struct {
-        const char* what;
-        std::vector<uint8_t> bytes;
-        uint32_t rate;
-        uint8_t channels;
-        int result; // 1 when the data is used as it stands
-        uint32_t sourceBits;
-        std::vector<float> expected;
-    } cases[] = {
+    // What, the file, the output rate and channels, the result (1 when the data is used as it
+    // stands), the source's bits and the frames.
+    const std::tuple<const char*, std::vector<uint8_t>, uint32_t, uint8_t, int, uint32_t, std::vector<float>> cases[] = {
         { "mono to mono", makeWav(1, 48000, 16, pcm), 48000, 1, 0, 16, { 1, kMin, 0, 1, 0 } },
         { "mono to stereo", makeWav(1, 48000, 16, pcm), 48000, 2, 0, 16, { 1, 1, kMin, kMin, 0, 0, 1, 1, 0, 0 } },
         { "stereo to mono", makeWav(2, 48000, 16, pcm), 48000, 1, 0, 16, { -1.52587890625e-05f, 0.5f, 0 } },
@@ -111,13 +101,13 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
                 kMax8 / 2, kMax8 / 2, 0, 0 } },
     };
     for (From from : { From::File, From::Memory }) {
-        for (const auto& test : cases) {
-            SCOPED_TRACE(test.what);
-            EXPECT_EQ(load(test.bytes, test.rate, test.channels, from), test.result);
+        for (const auto& [what, bytes, rate, channels, result, sourceBits, expected] : cases) {
+            SCOPED_TRACE(what);
+            EXPECT_EQ(load(bytes, rate, channels, from), result);
             EXPECT_TRUE(sample.isLoaded());
-            EXPECT_EQ(sample.channels(), test.channels);
-            EXPECT_EQ(sample.sourceBits(), test.sourceBits);
-            EXPECT_EQ(frames(), test.expected);
+            EXPECT_EQ(sample.channels(), channels);
+            EXPECT_EQ(sample.sourceBits(), sourceBits);
+            EXPECT_EQ(frames(), expected);
         }
     }
     EXPECT_TRUE(reports.reports().empty());

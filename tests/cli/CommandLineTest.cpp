@@ -156,13 +156,8 @@ TEST_F(CommandLine, BadFilesGiveTheirMessageAndStatus)
     // A tempo item holding a string instead of a number.
     folder.write("corrupt.kqu", { 'K', 'V', 'S', '0', 0x09, 0x05, 0x41, 0x00, 0x00, 0x00, 0x00 });
     auto at = [&](const char* name) { return (folder.path() / name).string(); };
-    struct Case {
-        const char* song;
-        std::string output;
-        int status;
-        std::string message;
-    };
-    for (const Case& c : std::initializer_list<Case> {
+    // The song, the output, the exit status and the message.
+    for (const auto& [name, output, status, message] : std::initializer_list<std::tuple<const char*, std::string, int, std::string>> {
              { "text.kqu", at("out.wav"), 1, "pulsara: error: Not a kvSong file (" + at("text.kqu") + ")\n" },
              { "absent.kqu", at("out.wav"), 1, "pulsara: error: Can't open kvSong file \"" + at("absent.kqu") + "\"\n" },
              { "cut.kqu", at("out.wav"), 0, "" },
@@ -173,9 +168,9 @@ TEST_F(CommandLine, BadFilesGiveTheirMessageAndStatus)
              { "song.kqu", "/dev/full", 1, "pulsara: error: can't write file \"/dev/full\"\n" },
              { "song.kqu", at("song.kqu"), 1, "pulsara: error: can't write file \"" + at("song.kqu") + "\"\n" },
          }) {
-        RunResult result = run("--export " + quote(c.output) + " " + quote(at(c.song)));
-        EXPECT_EQ(result.status, c.status) << c.song;
-        EXPECT_EQ(result.err, c.message) << c.song;
+        RunResult result = run("--export " + quote(output) + " " + quote(at(name)));
+        EXPECT_EQ(result.status, status) << name;
+        EXPECT_EQ(result.err, message) << name;
     }
     EXPECT_EQ(folder.read("song.kqu"), good);
     // A broken sample is reported with its file, and the export is still written.

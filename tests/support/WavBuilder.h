@@ -2,6 +2,7 @@
 
 // Builds WAV file bytes for tests: makeWav(1, 22050, 8, pcm8({ 128, 255, 0 })).
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -40,11 +41,8 @@ inline std::vector<uint8_t> pcm16(const std::vector<int16_t>& samples)
 inline std::vector<uint8_t> float32(const std::vector<float>& samples)
 {
     std::vector<uint8_t> out;
-    for (float sample : samples) {
-        uint32_t bits = 0;
-        std::memcpy(&bits, &sample, 4);
-        appendLe(out, bits, 4);
-    }
+    for (float sample : samples)
+        appendLe(out, std::bit_cast<uint32_t>(sample), 4);
     return out;
 }
 

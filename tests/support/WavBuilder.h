@@ -57,6 +57,14 @@ inline WavChunk formatChunk(uint16_t channels, uint32_t rate, uint16_t bits)
     return chunk;
 }
 
+// The signed 16-bit samples of `bytes` after the first `skip` (a header, or none for raw data).
+inline std::vector<int16_t> samples16(const std::vector<uint8_t>& bytes, std::size_t skip)
+{
+    std::vector<int16_t> samples(bytes.size() > skip ? (bytes.size() - skip) / 2 : 0);
+    std::memcpy(samples.data(), bytes.data() + skip, samples.size() * 2); // little-endian host
+    return samples;
+}
+
 // "RIFF", size, "WAVE", then the chunks in the given order, each without a pad byte.
 inline std::vector<uint8_t> riffWave(const std::vector<WavChunk>& chunks)
 {

@@ -56,13 +56,16 @@ int versionIn(const std::filesystem::path& file, const std::array<std::vector<ui
     return kNeither;
 }
 
+struct SongFile : ::testing::Test {
+    ScratchFolder folder;
+    RecordingLocator locator;
+};
+
 } // namespace
 
-TEST(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
+TEST_F(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
 {
-    ScratchFolder folder;
     std::u16string path = folder.file("beat.kqu");
-    RecordingLocator locator;
     Song saved;
     arrangeSong(saved);
     ASSERT_EQ(saveSong(saved, path, locator), 1);
@@ -78,9 +81,8 @@ TEST(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
     EXPECT_EQ(loaded.player().pattern(0).cell(0, 0), (Step { 0.5f, 2.0f, 3 }));
 }
 
-TEST(SongFile, ReportsAFileItCannotOpenOrWithoutTheMagicAndLeavesTheSongAlone)
+TEST_F(SongFile, ReportsAFileItCannotOpenOrWithoutTheMagicAndLeavesTheSongAlone)
 {
-    ScratchFolder folder;
     const struct {
         std::string name;
         std::optional<std::vector<uint8_t>> bytes; // none: the file is not written
@@ -91,8 +93,7 @@ TEST(SongFile, ReportsAFileItCannotOpenOrWithoutTheMagicAndLeavesTheSongAlone)
         std::u16string path = test.bytes ? folder.write(test.name, *test.bytes) : folder.file(test.name);
         Song song;
         song.player().setPatternName(0, u"kept");
-        RecordingLocator locator;
-        ReportRecorder reports;
+            ReportRecorder reports;
         EXPECT_EQ(loadSong(song, path, locator), 0);
         EXPECT_EQ(reports.summaries(), (std::vector<test::ReportSummary> { { 0, "Sound/songFile", test.bytes ? 116 : 112,
                                            test.bytes ? u"Not a kvSong file" : u"Can't open kvSong file \"" + path + u"\"" } }));
@@ -100,13 +101,11 @@ TEST(SongFile, ReportsAFileItCannotOpenOrWithoutTheMagicAndLeavesTheSongAlone)
     }
 }
 
-TEST(SongFile, SavingReplacesTheOldFileWhole)
+TEST_F(SongFile, SavingReplacesTheOldFileWhole)
 {
-    ScratchFolder folder;
     std::u16string path = folder.write("song.kqu", std::vector<uint8_t>(100'000, 0xAB));
     Song song;
     song.player().setPatternName(4, u"new");
-    RecordingLocator locator;
     EXPECT_EQ(saveSong(song, path, locator), 1);
     std::vector<uint8_t> bytes = folder.read("song.kqu");
     EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 0xAB), 0) << "nothing of the old file may remain";
@@ -125,11 +124,9 @@ TEST(SongFile, SavingReplacesTheOldFileWhole)
     EXPECT_EQ(folder.read("song.kqu"), bytes);
 }
 
-TEST(SongFile, AKillDuringASaveLeavesTheOldOrTheNewSongWhole)
+TEST_F(SongFile, AKillDuringASaveLeavesTheOldOrTheNewSongWhole)
 {
-    ScratchFolder folder;
     const std::u16string path = folder.file("full.kqu");
-    RecordingLocator locator;
     std::array<std::unique_ptr<Song>, 2> songs { std::make_unique<Song>(), std::make_unique<Song>() };
     std::array<std::vector<uint8_t>, 2> versions;
     for (size_t i = 0; i < songs.size(); ++i) {
@@ -181,9 +178,8 @@ TEST(SongFile, AKillDuringASaveLeavesTheOldOrTheNewSongWhole)
     }
 }
 
-TEST(SongFile, TheNextSaveRemovesWhatAKilledSaveLeft)
+TEST_F(SongFile, TheNextSaveRemovesWhatAKilledSaveLeft)
 {
-    ScratchFolder folder;
     const std::u16string path = folder.file("beat.kqu");
     const pid_t gone = ::fork();
     if (gone == 0)
@@ -196,7 +192,6 @@ TEST(SongFile, TheNextSaveRemovesWhatAKilledSaveLeft)
     for (const std::string& name : { abandoned, running, other })
         std::ofstream(folder.path() / name) << "half a song";
     Song song;
-    RecordingLocator locator;
     ASSERT_EQ(saveSong(song, path, locator), 1);
     std::vector<std::string> left = temporaryFiles(folder);
     std::sort(left.begin(), left.end());

@@ -54,7 +54,6 @@ struct StreamRig {
         stream.setFormat(&format);
         stream.setLatency(latency);
     }
-    // Plays one whole buffer.
     Samples playOne() { return device.pull(uint32_t(stream.deviceBufferBytes(0) / 2 / format.channels), format.channels); }
 
     AudioFormat format;

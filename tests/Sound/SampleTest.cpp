@@ -104,8 +104,7 @@ TEST(Sample, SetFramesKeepsASilentSpareFrameAndUnloadEmptiesIt)
 {
     Sample sample;
     ASSERT_TRUE(sample.setFrames({ 1, 2, 3, 4, 5 }, 2));
-    EXPECT_EQ(sample.length(), 2);
-    EXPECT_EQ(sample.channels(), 2u);
+    EXPECT_EQ(std::pair(sample.length(), sample.channels()), std::pair(2, 2u));
     EXPECT_EQ(std::vector<float>(sample.frames(), sample.frames() + 6), (std::vector<float> { 1, 2, 3, 4, 0, 0 }));
     sample.unload();
     EXPECT_EQ(sample.length(), 0);

@@ -70,13 +70,18 @@ TEST(SongFileReader, StopsCleanlyWhereverTheDataEnds)
     }
 }
 
-TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItems)
+// Unknown items are skipped with their nested items, however deep, and strings of any length; a
+// sample path is read up to its capacity.
+TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItemsAndReadsPathsUpToTheirCapacity)
 {
     SongBytes file = SongBytes().magic();
     file.code(30).stringValue(u"ignored").code(31).longValue(5).doubleValue(1.5).blobValue({ 9, 9, 9 });
     file.code(32).byteValue(8).wordValue(9).end().end().end();
     // Two-byte codes: 0x80 0x09 is not tag 9, 0x80 0x00 is not the end.
     file.code(0x8009).doubleValue(50.0).end().code(0x8000).doubleValue(60.0).end();
+    file.bytes.insert(file.bytes.end(), 1'000'000, 30);
+    file.bytes.insert(file.bytes.end(), 1'000'000, 0);
+    file.code(30).stringValue(std::u16string(100'000, u'b')).end();
     // A value standing where an item would stand is skipped as a value.
     file.stringValue(u"stray").doubleItem(9, 111.0);
     file.code(10).code(40).stringItem(26, u"not the name").end().stringItem(26, u"lead").end();
@@ -85,13 +90,15 @@ TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItems)
     // item; and an empty path, which locates nothing.
     file.code(10).code(15).longValue(0x00050005).stringValue(u"x").end().code(26).end();
     file.code(15).code(40).stringValue(u"nested").end().end().stringItem(15, u"").doubleItem(8, 0.125).end();
+    std::u16string longest(PathString::kCapacity, u'a');
+    file.code(10).stringItem(15, longest).end();
 
     Song song;
     RecordingLocator locator;
     ReportRecorder reports;
     EXPECT_EQ(readSong(song, file, locator), 1);
     EXPECT_TRUE(reports.reports().empty());
-    EXPECT_TRUE(locator.located.empty());
+    EXPECT_EQ(locator.located, (std::vector<std::pair<std::u16string, uint32_t>> { { longest, 2 } }));
     EXPECT_EQ(song.player().tempo(), 111.0f);
     EXPECT_EQ(song.instrument(0).name(), u"lead");
     EXPECT_EQ(song.instrument(1).name(), u"");
@@ -176,21 +183,6 @@ TEST(SongFileReader, ReadsAndDropsWhatLiesBeyondTheBanks)
     EXPECT_EQ(locator.located.back().second, 39u);
     EXPECT_TRUE(song.player().playlist().isOn(39, 255));
     EXPECT_EQ(song.player().playlist().lastUsedPosition(), 255);
-}
-
-TEST(SongFileReader, SkipsNestingOfAnyDepthAndStringsOfAnyLengthAndReadsPathsUpToTheirCapacity)
-{
-    constexpr int kDepth = 1'000'000;
-    SongBytes file = SongBytes().magic();
-    file.bytes.insert(file.bytes.end(), kDepth, 30);
-    file.bytes.insert(file.bytes.end(), kDepth, 0);
-    std::u16string longest(PathString::kCapacity, u'a');
-    file.code(30).stringValue(std::u16string(100'000, u'b')).end().code(10).stringItem(15, longest).end();
-    Song song;
-    RecordingLocator locator;
-    EXPECT_EQ(readSong(song, file.doubleItem(9, 100.0), locator), 1);
-    EXPECT_EQ(song.player().tempo(), 100.0f);
-    EXPECT_EQ(locator.located, (std::vector<std::pair<std::u16string, uint32_t>> { { longest, 0 } }));
 }
 
 TEST(SongFileReader, StopsAPlayingSongWhileLoadingAndStartsItAgain)

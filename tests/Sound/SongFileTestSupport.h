@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "support/RecordingLocator.h"
 #include "support/ReportRecorder.h"
+#include "support/WavBuilder.h"
 
 #include <algorithm>
 #include <bit>
@@ -63,8 +64,7 @@ public:
     }
     SongBytes& little(uint64_t value, int count)
     {
-        for (int i = 0; i < count; ++i)
-            bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
+        test::appendLe(bytes, value, count);
         return *this;
     }
 

@@ -157,8 +157,7 @@ TEST(WavExporter, ClipsToFullScaleTruncatesAndFadesTheLastThirtyMilliseconds)
 {
     RecordingSource loud({ 44100, 32, 2 }, 5000, { 1.5f, -1.5f });
     std::vector<int16_t> samples = exportedSamples(loud);
-    EXPECT_EQ(samples[0], 32767);
-    EXPECT_EQ(samples[1], -32767);
+    EXPECT_EQ(std::vector(samples.begin(), samples.begin() + 2), (std::vector<int16_t> { 32767, -32767 }));
     RecordingSource quiet({ 44100, 32, 1 }, 5000, { 0.3f });
     EXPECT_EQ(exportedSamples(quiet)[0], 9830); // 9830.1, truncated
     // The fade spans 1323 frames at 44100 Hz; a frame with n frames left has gain n / 1323.

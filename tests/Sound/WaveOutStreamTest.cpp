@@ -118,9 +118,8 @@ TEST(WaveOutStream, StartOpens16BitPcmWithBuffersOfWholeUnitsOfTheLatencyPeriod)
                       opened.blockAlign, opened.averageBytesPerSecond, opened.extraSize }),
             (std::vector<uint32_t> { 1, channels, rate, 16, channels * 2u, bytesPerSecond, 18 }));
         EXPECT_EQ(rig.source.lastFrames.load(), renderFrames);
-        EXPECT_EQ(rig.stream.deviceBufferBytes(0), deviceBytes);
-        EXPECT_EQ(rig.stream.deviceBufferBytes(1), deviceBytes);
-        EXPECT_EQ(rig.stream.floatBufferBytes(), 2 * deviceBytes);
+        EXPECT_EQ((std::vector { rig.stream.deviceBufferBytes(0), rig.stream.deviceBufferBytes(1), rig.stream.floatBufferBytes() }),
+            (std::vector { deviceBytes, deviceBytes, 2 * deviceBytes }));
     }
 }
 

@@ -21,7 +21,7 @@ struct WavChunk {
     std::optional<uint32_t> declaredSize = std::nullopt;
 };
 
-inline void appendLe(std::vector<uint8_t>& out, uint32_t value, int bytes)
+inline void appendLe(std::vector<uint8_t>& out, uint64_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i)
         out.push_back(static_cast<uint8_t>(value >> (8 * i)));

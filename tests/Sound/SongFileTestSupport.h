@@ -62,11 +62,7 @@ public:
         bytes.insert(bytes.end(), more.begin(), more.end());
         return *this;
     }
-    SongBytes& little(uint64_t value, int count)
-    {
-        test::appendLe(bytes, value, count);
-        return *this;
-    }
+    SongBytes& little(uint64_t value, int count) { test::appendLe(bytes, value, count); return *this; }
 
     std::vector<uint8_t> bytes;
 };

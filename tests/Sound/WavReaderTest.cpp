@@ -105,8 +105,7 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
         }
     }
     EXPECT_TRUE(reports.reports().empty());
-    EXPECT_EQ(sample.sourceRate(), 22050u);
-    EXPECT_EQ(sample.sourceChannels(), 1u);
+    EXPECT_EQ(std::pair(sample.sourceRate(), sample.sourceChannels()), std::pair(22050u, 1u));
     // 3 frames x 44100 / 32000 = 4.134 frames: the byte count 6 is scaled to 8 first, then halved.
     EXPECT_EQ(load(makeWav(1, 32000, 16, pcm16({ 100, 200, 300 }))), 0);
     EXPECT_EQ(sample.length(), 4);

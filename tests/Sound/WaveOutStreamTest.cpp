@@ -234,7 +234,6 @@ TEST(WaveOutStream, LatencyChangeIsStoredWhileStoppedAndRestartsAPlayingStream)
 {
     StreamRig rig; // which set its latency while stopped, as the sizing test's rigs do
     rig.source.tail = { 0.5f };
-    EXPECT_FALSE(rig.device.isOpen());
     ASSERT_EQ(rig.stream.start(), 1);
     rig.stream.peaks.clear();
     rig.stream.setLatency(100);

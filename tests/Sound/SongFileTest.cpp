@@ -82,20 +82,18 @@ TEST_F(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
 
 TEST_F(SongFile, ReportsAFileItCannotOpenOrWithoutTheMagicAndLeavesTheSongAlone)
 {
-    const struct {
-        std::string name;
-        std::optional<std::vector<uint8_t>> bytes; // none: the file is not written
-    } cases[] = { { "missing.kqu", std::nullopt }, { "", std::nullopt }, { "wrong.kqu", std::vector<uint8_t> {} },
-        { "wrong.kqu", { { 'K', 'V', 'S' } } }, { "wrong.kqu", { { 'K', 'V', 'S', '1', 8 } } },
+    // The file's name and bytes (none: the file is not written).
+    const std::pair<std::string, std::optional<std::vector<uint8_t>>> cases[] = { { "missing.kqu", std::nullopt }, { "", std::nullopt },
+        { "wrong.kqu", std::vector<uint8_t> {} }, { "wrong.kqu", { { 'K', 'V', 'S' } } }, { "wrong.kqu", { { 'K', 'V', 'S', '1', 8 } } },
         { "wrong.kqu", { { 'R', 'I', 'F', 'F' } } } };
-    for (const auto& test : cases) {
-        std::u16string path = test.bytes ? folder.write(test.name, *test.bytes) : folder.file(test.name);
+    for (const auto& [name, bytes] : cases) {
+        std::u16string path = bytes ? folder.write(name, *bytes) : folder.file(name);
         Song song;
         song.player().setPatternName(0, u"kept");
-            ReportRecorder reports;
+        ReportRecorder reports;
         EXPECT_EQ(loadSong(song, path, locator), 0);
-        EXPECT_EQ(reports.summaries(), (std::vector<test::ReportSummary> { { 0, "Sound/songFile", test.bytes ? 116 : 112,
-                                           test.bytes ? u"Not a kvSong file" : u"Can't open kvSong file \"" + path + u"\"" } }));
+        EXPECT_EQ(reports.summaries(), (std::vector<test::ReportSummary> { { 0, "Sound/songFile", bytes ? 116 : 112,
+                                           bytes ? u"Not a kvSong file" : u"Can't open kvSong file \"" + path + u"\"" } }));
         EXPECT_EQ(song.player().patternName(0), u"kept");
     }
 }

@@ -64,10 +64,7 @@ private:
     time_t serial_ = 0;
 };
 
-bool fits(const std::u16string& text, size_t maxLength)
-{
-    return text.size() <= maxLength;
-}
+bool fits(const std::u16string& text, size_t maxLength) { return text.size() <= maxLength; }
 
 // The limits the rest of the program relies on.
 bool withinLimits(const AppSettings& settings)

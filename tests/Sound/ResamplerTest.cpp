@@ -117,16 +117,9 @@ TEST(Resampler, KernelsStepThroughTheSourceAsDesigned)
     std::vector<float> tens(40);
     for (std::size_t i = 0; i < tens.size(); ++i)
         tens[i] = static_cast<float>(i);
-    const struct {
-        const char* what;
-        Kernel kernel;
-        std::vector<float> source; // with its spare frame
-        uint32_t channels;
-        double position;
-        float rate, volume;
-        std::vector<float> out;
-        double next;
-    } cases[] = {
+    // What, the kernel, the source with its spare frame, its channels, the position, rate and
+    // volume, what was mixed and the next position.
+    const std::tuple<const char*, Kernel, std::vector<float>, uint32_t, double, float, float, std::vector<float>, double> cases[] = {
         { "nearest drops the fraction of the entry position", mixNearest, tens, 1, 10.5, 2.0f, 1.0f, { 10, 12, 14, 16 },
             18.5 },
         { "nearest mixes both channels of frames 0, 1 and 3", mixNearest, { 1, -1, 2, -2, 3, -3, 4, -4, 0, 0 }, 2, 0.0,
@@ -141,12 +134,12 @@ TEST(Resampler, KernelsStepThroughTheSourceAsDesigned)
         { "linear never reads past the data", mixLinear, { 1, 2, 3, 0 }, 1, 0.0, 1.5f, 1.0f,
             { 1, 2.5f, 0, 0, 0, 0, 0, 0, 0, 0 }, 16.5 },
     };
-    for (const auto& test : cases) {
-        std::vector<float> out(test.out.size(), 0.0f);
-        MixTarget target { out.data(), static_cast<uint32_t>(out.size()) / test.channels, test.channels };
-        MixSource source { test.source.data(), static_cast<uint32_t>(test.source.size()) / test.channels };
-        EXPECT_EQ(test.kernel(target, source, test.position, test.rate, test.volume), test.next) << test.what;
-        EXPECT_EQ(out, test.out) << test.what;
+    for (const auto& [what, kernel, frames, channels, position, rate, volume, mixed, next] : cases) {
+        std::vector<float> out(mixed.size(), 0.0f);
+        MixTarget target { out.data(), static_cast<uint32_t>(out.size()) / channels, channels };
+        EXPECT_EQ(kernel(target, MixSource { frames.data(), static_cast<uint32_t>(frames.size()) / channels }, position, rate, volume), next)
+            << what;
+        EXPECT_EQ(out, mixed) << what;
     }
 }
 
@@ -159,11 +152,7 @@ TEST(Resampler, MoreThanTwoChannelsIsFatal)
         test::ReportRecorder reports;
         test::FatalReportsUnwind unwind;
         EXPECT_THROW(kernel(MixTarget { out.data(), 4, 3 }, MixSource { source.data(), 13 }, 0.0, 0.5f, 1.0f), FatalErrorUnwind);
-        ASSERT_EQ(reports.reports().size(), 1u);
-        EXPECT_EQ(reports.last().code, -1);
-        EXPECT_EQ(reports.last().source, "Sound/base");
-        EXPECT_EQ(reports.last().line, line);
-        EXPECT_EQ(reports.last().message, message);
+        EXPECT_EQ(reports.summaries(), (std::vector<test::ReportSummary> { { -1, "Sound/base", line, message } }));
         EXPECT_EQ(out, std::vector<float>(30, 0.0f));
     }
 }

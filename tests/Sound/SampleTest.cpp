@@ -25,56 +25,44 @@ void fillRamp(Sample& sample, uint32_t frames, uint32_t channels)
 TEST(Sample, MixesOrRendersFromItsPositionAtItsRateAndStopsAtTheEnd)
 {
     using enum Interpolation;
-    const struct {
-        const char* what;
-        uint32_t channels;
-        float rate;
-        double position;
-        float volume;
-        Interpolation method;
-        bool playing;
-        uint32_t outChannels;
-        int result;
-        std::vector<float> out; // mixed onto 0.5 in every float
-        double endPosition;
-        bool stillPlaying;
-        bool render = false; // clears the block before it mixes
-    } cases[] = {
-        { "a copy from the start", 1, 1.0f, 0.0, 1.0f, None, true, 1, -1, { 1.5f, 2.5f, 3.5f, 4.5f }, 4.0, true },
-        { "a copy up to the end", 1, 1.0f, 6.0, 1.0f, None, true, 1, -1, { 7.5f, 8.5f, 9.5f, 10.5f, 0.5f, 0.5f }, 10.0,
-            false },
-        { "a copy from the whole frame of a fraction", 2, 1.0f, 2.75, 0.5f, None, true, 2, -1,
-            { 2.0f, -1.0f, 2.5f, -1.5f }, 4.75, true },
-        { "a copy beyond the end", 1, 1.0f, 12.0, 1.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0, false },
-        { "a resampling beyond the end", 1, 0.5f, 12.0, 1.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0,
-            false },
-        { "a resampling of the frames left", 1, 2.0f, 0.0, 1.0f, None, true, 1, -1,
-            { 1.5f, 3.5f, 5.5f, 7.5f, 9.5f, 0.5f, 0.5f, 0.5f }, 10.0, false },
-        { "no interpolation", 1, 0.5f, 0.0, 1.0f, None, true, 1, -1, { 1.5f, 1.5f, 2.5f, 2.5f }, 2.0, true },
-        { "linear interpolation", 1, 0.5f, 0.0, 1.0f, Linear, true, 1, -1, { 1.5f, 2.0f, 2.5f, 3.0f }, 2.5, true },
-        { "a silent copy", 1, 1.0f, 0.0, 0.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 4.0, true },
-        { "a silent resampling", 1, 1.5f, 0.0, 0.0f, None, true, 1, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 6.0, true },
-        { "a copy into stereo", 1, 1.0f, 0.0, 1.0f, None, true, 2, -1, std::vector<float>(8, 0.5f), 0.0, false },
-        { "a resampling into stereo", 1, 0.5f, 0.0, 1.0f, None, true, 2, -1, std::vector<float>(8, 0.5f), 0.0, false },
-        { "a render", 1, 1.0f, 0.0, 1.0f, None, true, 1, -1, { 1, 2, 3, 4 }, 4.0, true, true },
-        { "a render of a stopped sample", 1, 1.0f, 0.0, 1.0f, None, false, 1, 0, { 0, 0, 0, 0 }, 0.0, false, true },
-    };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.what);
+    // What; the sample's channels, rate, position, volume and method, and whether it plays; the
+    // output channels; whether it renders (clearing the block) or mixes onto 0.5 in every float;
+    // the result, the block, the position after and whether it still plays.
+    const std::tuple<const char*, uint32_t, float, double, float, Interpolation, bool, uint32_t, bool, int, std::vector<float>, double, bool>
+        cases[] = {
+            { "a copy from the start", 1, 1.0f, 0.0, 1.0f, None, true, 1, false, -1, { 1.5f, 2.5f, 3.5f, 4.5f }, 4.0, true },
+            { "a copy up to the end", 1, 1.0f, 6.0, 1.0f, None, true, 1, false, -1, { 7.5f, 8.5f, 9.5f, 10.5f, 0.5f, 0.5f }, 10.0, false },
+            { "a copy from the whole frame of a fraction", 2, 1.0f, 2.75, 0.5f, None, true, 2, false, -1, { 2.0f, -1.0f, 2.5f, -1.5f }, 4.75,
+                true },
+            { "a copy beyond the end", 1, 1.0f, 12.0, 1.0f, None, true, 1, false, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0, false },
+            { "a resampling beyond the end", 1, 0.5f, 12.0, 1.0f, None, true, 1, false, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 12.0, false },
+            { "a resampling of the frames left", 1, 2.0f, 0.0, 1.0f, None, true, 1, false, -1, { 1.5f, 3.5f, 5.5f, 7.5f, 9.5f, 0.5f, 0.5f, 0.5f },
+                10.0, false },
+            { "no interpolation", 1, 0.5f, 0.0, 1.0f, None, true, 1, false, -1, { 1.5f, 1.5f, 2.5f, 2.5f }, 2.0, true },
+            { "linear interpolation", 1, 0.5f, 0.0, 1.0f, Linear, true, 1, false, -1, { 1.5f, 2.0f, 2.5f, 3.0f }, 2.5, true },
+            { "a silent copy", 1, 1.0f, 0.0, 0.0f, None, true, 1, false, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 4.0, true },
+            { "a silent resampling", 1, 1.5f, 0.0, 0.0f, None, true, 1, false, -1, { 0.5f, 0.5f, 0.5f, 0.5f }, 6.0, true },
+            { "a copy into stereo", 1, 1.0f, 0.0, 1.0f, None, true, 2, false, -1, std::vector<float>(8, 0.5f), 0.0, false },
+            { "a resampling into stereo", 1, 0.5f, 0.0, 1.0f, None, true, 2, false, -1, std::vector<float>(8, 0.5f), 0.0, false },
+            { "a render", 1, 1.0f, 0.0, 1.0f, None, true, 1, true, -1, { 1, 2, 3, 4 }, 4.0, true },
+            { "a render of a stopped sample", 1, 1.0f, 0.0, 1.0f, None, false, 1, true, 0, { 0, 0, 0, 0 }, 0.0, false },
+        };
+    for (const auto& [what, channels, rate, position, volume, method, playing, outChannels, render, result, block, after, stillPlaying] :
+        cases) {
+        SCOPED_TRACE(what);
         Sample sample;
-        fillRamp(sample, 10, test.channels);
-        sample.setRate(test.rate);
-        sample.setPosition(test.position);
-        sample.setVolume(test.volume);
-        sample.setInterpolation(test.method);
-        sample.setPlaying(test.playing);
-        std::vector<float> out(test.out.size(), 0.5f);
-        auto frames = static_cast<uint32_t>(out.size()) / test.outChannels;
-        EXPECT_EQ(test.render ? sample.render(out.data(), frames, test.outChannels) : sample.mix(out.data(), frames, test.outChannels),
-            test.result);
-        EXPECT_EQ(out, test.out);
-        EXPECT_EQ(sample.position(), test.endPosition);
-        EXPECT_EQ(sample.isPlaying(), test.stillPlaying);
+        fillRamp(sample, 10, channels);
+        sample.setRate(rate);
+        sample.setPosition(position);
+        sample.setVolume(volume);
+        sample.setInterpolation(method);
+        sample.setPlaying(playing);
+        std::vector<float> out(block.size(), 0.5f);
+        auto frames = static_cast<uint32_t>(out.size()) / outChannels;
+        EXPECT_EQ(render ? sample.render(out.data(), frames, outChannels) : sample.mix(out.data(), frames, outChannels), result);
+        EXPECT_EQ(out, block);
+        EXPECT_EQ(sample.position(), after);
+        EXPECT_EQ(sample.isPlaying(), stillPlaying);
     }
 }
 
@@ -116,8 +104,7 @@ TEST(Sample, SetFramesKeepsASilentSpareFrameAndUnloadEmptiesIt)
 {
     Sample sample;
     ASSERT_TRUE(sample.setFrames({ 1, 2, 3, 4, 5 }, 2));
-    EXPECT_EQ(sample.length(), 2);
-    EXPECT_EQ(sample.channels(), 2u);
+    EXPECT_EQ(std::pair(sample.length(), sample.channels()), std::pair(2, 2u));
     EXPECT_EQ(std::vector<float>(sample.frames(), sample.frames() + 6), (std::vector<float> { 1, 2, 3, 4, 0, 0 }));
     sample.unload();
     EXPECT_EQ(sample.length(), 0);

@@ -6,31 +6,22 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <span>
 #include <string>
+#include <tuple>
 
 using namespace pulsara;
 using namespace pulsara::testing;
 
 namespace {
 
-int readSong(Song& song, const SongBytes& file, RecordingLocator& locator,
+int readSong(Song& song, std::span<const uint8_t> bytes, SampleLocator&& locator = RecordingLocator(),
     SongReader::DataEnd end = SongReader::DataEnd::EndOfFile)
 {
-    return SongReader(song, locator, file.bytes, end).read();
+    return SongReader(song, locator, bytes, end).read();
 }
 
-int readSong(Song& song, const SongBytes& file)
-{
-    RecordingLocator locator;
-    return readSong(song, file, locator);
-}
-
-SongBytes firstBytes(const SongBytes& whole, std::size_t count)
-{
-    SongBytes file;
-    file.bytes.assign(whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(count));
-    return file;
-}
+int readSong(Song& song, const SongBytes& file, SampleLocator& locator) { return SongReader(song, locator, file.bytes).read(); }
 
 } // namespace
 
@@ -39,7 +30,7 @@ TEST(SongFileReader, OnlyTheMagicGivesANewSongAndKeepsTempoVolumeAndShownEditor)
     Song song;
     arrangeSong(song);
     ReportRecorder reports;
-    EXPECT_EQ(readSong(song, SongBytes().magic()), 1);
+    EXPECT_EQ(readSong(song, SongBytes().magic().bytes), 1);
     EXPECT_TRUE(reports.reports().empty());
     // Tempo and volume belong to the application until a file sets them; the rest is new, as
     // the writer shows.
@@ -61,7 +52,7 @@ TEST(SongFileReader, StopsCleanlyWhereverTheDataEnds)
     auto readCut = [](const SongBytes& file, std::size_t cut) {
         auto song = std::make_unique<Song>();
         ReportRecorder reports;
-        EXPECT_EQ(readSong(*song, firstBytes(file, cut)), 1) << "cut at " << cut;
+        EXPECT_EQ(readSong(*song, std::span(file.bytes).first(cut)), 1) << "cut at " << cut;
         EXPECT_TRUE(reports.reports().empty()) << "cut at " << cut;
         return song;
     };
@@ -79,13 +70,18 @@ TEST(SongFileReader, StopsCleanlyWhereverTheDataEnds)
     }
 }
 
-TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItems)
+// Unknown items are skipped with their nested items, however deep, and strings of any length; a
+// sample path is read up to its capacity.
+TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItemsAndReadsPathsUpToTheirCapacity)
 {
     SongBytes file = SongBytes().magic();
     file.code(30).stringValue(u"ignored").code(31).longValue(5).doubleValue(1.5).blobValue({ 9, 9, 9 });
     file.code(32).byteValue(8).wordValue(9).end().end().end();
     // Two-byte codes: 0x80 0x09 is not tag 9, 0x80 0x00 is not the end.
     file.code(0x8009).doubleValue(50.0).end().code(0x8000).doubleValue(60.0).end();
+    file.bytes.insert(file.bytes.end(), 1'000'000, 30);
+    file.bytes.insert(file.bytes.end(), 1'000'000, 0);
+    file.code(30).stringValue(std::u16string(100'000, u'b')).end();
     // A value standing where an item would stand is skipped as a value.
     file.stringValue(u"stray").doubleItem(9, 111.0);
     file.code(10).code(40).stringItem(26, u"not the name").end().stringItem(26, u"lead").end();
@@ -94,13 +90,15 @@ TEST(SongFileReader, SkipsUnknownItemsWithTheirNestedItems)
     // item; and an empty path, which locates nothing.
     file.code(10).code(15).longValue(0x00050005).stringValue(u"x").end().code(26).end();
     file.code(15).code(40).stringValue(u"nested").end().end().stringItem(15, u"").doubleItem(8, 0.125).end();
+    std::u16string longest(PathString::kCapacity, u'a');
+    file.code(10).stringItem(15, longest).end();
 
     Song song;
     RecordingLocator locator;
     ReportRecorder reports;
     EXPECT_EQ(readSong(song, file, locator), 1);
     EXPECT_TRUE(reports.reports().empty());
-    EXPECT_TRUE(locator.located.empty());
+    EXPECT_EQ(locator.located, (std::vector<std::pair<std::u16string, uint32_t>> { { longest, 2 } }));
     EXPECT_EQ(song.player().tempo(), 111.0f);
     EXPECT_EQ(song.instrument(0).name(), u"lead");
     EXPECT_EQ(song.instrument(1).name(), u"");
@@ -132,32 +130,25 @@ TEST(SongFileReader, ReadsEverySettingInAnyWidthAndFillsBlocksByTheirRunningInde
     RecordingLocator locator;
     readSong(song, file, locator);
     const SongPlayer& player = song.player();
-    EXPECT_EQ(player.volume(), 0.5f);
-    EXPECT_EQ(player.tempo(), 90.25f);
-    EXPECT_EQ(song.stepsPerPattern(), 32u);
-    EXPECT_EQ(player.pattern(39).length(), 32u);
-    EXPECT_EQ(song.beatsPerPattern(), 3u);
-    EXPECT_EQ(song.editorShown(), 1);
-    EXPECT_EQ(player.loopStart(), 2);
-    EXPECT_EQ(player.loopEnd(), -1);
-    EXPECT_EQ(song.view(0), (EditorViewState { 11, { 12, 13 } }));
-    EXPECT_EQ(song.view(1), (EditorViewState { 21, { 22, -2 } }));
+    // Volume, tempo, steps (also of the last pattern), beats, editor, loop.
+    EXPECT_EQ(std::tuple(player.volume(), player.tempo(), song.stepsPerPattern(), player.pattern(39).length(), song.beatsPerPattern(),
+                  song.editorShown(), player.loopStart(), player.loopEnd()),
+        std::tuple(0.5f, 90.25f, 32u, 32u, 3u, 1, 2, -1));
+    EXPECT_EQ((std::vector { song.view(0), song.view(1) }), (std::vector<EditorViewState> { { 11, { 12, 13 } }, { 21, { 22, -2 } } }));
 
     EXPECT_EQ(song.instrument(1).name(), u"snare drum with a name far long");
-    EXPECT_EQ(song.instrument(1).volume(), 0.25f);
-    EXPECT_EQ(song.instrument(0).volume(), 0.7f);
+    EXPECT_EQ((std::vector { song.instrument(1).volume(), song.instrument(0).volume() }), (std::vector { 0.25f, 0.7f }));
     EXPECT_EQ(locator.located, (std::vector<std::pair<std::u16string, uint32_t>> { { u"smp/snare.wav", 1 } }));
-    EXPECT_TRUE(player.playlist().isOn(1, 3));
-    EXPECT_TRUE(player.playlist().isOn(1, 200));
-    EXPECT_EQ(player.playlist().lastUsedPosition(), 200);
-    EXPECT_FALSE(player.playlist().isOn(0, 3));
+    const Playlist& playlist = player.playlist();
+    EXPECT_EQ((std::vector { playlist.isOn(1, 3), playlist.isOn(1, 200), playlist.isOn(0, 3) }), (std::vector { true, true, false }));
+    EXPECT_EQ(playlist.lastUsedPosition(), 200);
 
-    EXPECT_EQ(player.pattern(0).cell(0, 2), (Step { 1.0f, 1.0f, 0 }));
-    EXPECT_EQ(player.pattern(0).cell(0, 3), (Step { 0.5f, 1.0f, 0 }));
-    EXPECT_EQ(player.pattern(0).cell(0, 4), (Step { 1.0f, 2.0f, 9 }));
+    const StepGrid& first = player.pattern(0);
+    EXPECT_EQ((std::vector { first.cell(0, 2), first.cell(0, 3), first.cell(0, 4) }),
+        (std::vector<Step> { { 1.0f, 1.0f, 0 }, { 0.5f, 1.0f, 0 }, { 1.0f, 2.0f, 9 } }));
+    EXPECT_FALSE(first.isNote(1, 4));
     EXPECT_EQ(player.patternName(1), u"chorus");
     EXPECT_EQ(player.pattern(1).cell(1, 4), (Step { 0.75f, 1.5f, 256 }));
-    EXPECT_FALSE(player.pattern(0).isNote(1, 4));
 }
 
 TEST(SongFileReader, ReadsAndDropsWhatLiesBeyondTheBanks)
@@ -194,21 +185,6 @@ TEST(SongFileReader, ReadsAndDropsWhatLiesBeyondTheBanks)
     EXPECT_EQ(song.player().playlist().lastUsedPosition(), 255);
 }
 
-TEST(SongFileReader, SkipsNestingOfAnyDepthAndStringsOfAnyLengthAndReadsPathsUpToTheirCapacity)
-{
-    constexpr int kDepth = 1'000'000;
-    SongBytes file = SongBytes().magic();
-    file.bytes.insert(file.bytes.end(), kDepth, 30);
-    file.bytes.insert(file.bytes.end(), kDepth, 0);
-    std::u16string longest(PathString::kCapacity, u'a');
-    file.code(30).stringValue(std::u16string(100'000, u'b')).end().code(10).stringItem(15, longest).end();
-    Song song;
-    RecordingLocator locator;
-    EXPECT_EQ(readSong(song, file.doubleItem(9, 100.0), locator), 1);
-    EXPECT_EQ(song.player().tempo(), 100.0f);
-    EXPECT_EQ(locator.located, (std::vector<std::pair<std::u16string, uint32_t>> { { longest, 0 } }));
-}
-
 TEST(SongFileReader, StopsAPlayingSongWhileLoadingAndStartsItAgain)
 {
     struct PlayStateLocator : RecordingLocator {
@@ -227,7 +203,7 @@ TEST(SongFileReader, StopsAPlayingSongWhileLoadingAndStartsItAgain)
     EXPECT_FALSE(locator.playingWhileLocating);
     EXPECT_TRUE(song.player().isPlaying());
     Song stopped;
-    readSong(stopped, SongBytes().magic());
+    readSong(stopped, SongBytes().magic().bytes);
     EXPECT_FALSE(stopped.player().isPlaying());
 }
 
@@ -279,8 +255,7 @@ TEST(SongFileReaderDeathTest, EveryCorruptValueIsFatalAtItsOwnLine)
             {
                 LinePrintingPresenter presenter;
                 Song song;
-                RecordingLocator locator;
-                readSong(song, test.file, locator, test.end);
+                readSong(song, test.file.bytes, RecordingLocator(), test.end);
             },
             ::testing::ExitedWithCode(255),
             std::string("FATAL ERROR ") + test.place + ":" + std::to_string(test.line) + " " + test.message);

@@ -56,17 +56,19 @@ int versionIn(const std::filesystem::path& file, const std::array<std::vector<ui
     return kNeither;
 }
 
+struct SongFile : ::testing::Test {
+    ScratchFolder folder;
+    RecordingLocator locator;
+};
+
 } // namespace
 
-TEST(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
+TEST_F(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
 {
-    ScratchFolder folder;
     std::u16string path = folder.file("beat.kqu");
-    RecordingLocator locator;
     Song saved;
     arrangeSong(saved);
     ASSERT_EQ(saveSong(saved, path, locator), 1);
-    EXPECT_TRUE(temporaryFiles(folder).empty());
     Song loaded;
     ReportRecorder reports;
     ASSERT_EQ(loadSong(loaded, path, locator), 1);
@@ -78,38 +80,29 @@ TEST(SongFile, SavesAndLoadsEverythingBackInDisplayOrder)
     EXPECT_EQ(loaded.player().pattern(0).cell(0, 0), (Step { 0.5f, 2.0f, 3 }));
 }
 
-TEST(SongFile, ReportsAFileItCannotOpenOrWithoutTheMagicAndLeavesTheSongAlone)
+TEST_F(SongFile, ReportsAFileItCannotOpenOrWithoutTheMagicAndLeavesTheSongAlone)
 {
-    ScratchFolder folder;
-    const struct {
-        std::string name;
-        std::optional<std::vector<uint8_t>> bytes; // none: the file is not written
-    } cases[] = { { "missing.kqu", std::nullopt }, { "", std::nullopt }, { "wrong.kqu", std::vector<uint8_t> {} },
-        { "wrong.kqu", { { 'K', 'V', 'S' } } }, { "wrong.kqu", { { 'K', 'V', 'S', '1', 8 } } },
+    // The file's name and bytes (none: the file is not written).
+    const std::pair<std::string, std::optional<std::vector<uint8_t>>> cases[] = { { "missing.kqu", std::nullopt }, { "", std::nullopt },
+        { "wrong.kqu", std::vector<uint8_t> {} }, { "wrong.kqu", { { 'K', 'V', 'S' } } }, { "wrong.kqu", { { 'K', 'V', 'S', '1', 8 } } },
         { "wrong.kqu", { { 'R', 'I', 'F', 'F' } } } };
-    for (const auto& test : cases) {
-        std::u16string path = test.bytes ? folder.write(test.name, *test.bytes) : folder.file(test.name);
+    for (const auto& [name, bytes] : cases) {
+        std::u16string path = bytes ? folder.write(name, *bytes) : folder.file(name);
         Song song;
         song.player().setPatternName(0, u"kept");
-        RecordingLocator locator;
         ReportRecorder reports;
         EXPECT_EQ(loadSong(song, path, locator), 0);
-        ASSERT_EQ(reports.reports().size(), 1u);
-        EXPECT_EQ(reports.last().code, 0);
-        EXPECT_EQ(reports.last().source, "Sound/songFile");
-        EXPECT_EQ(reports.last().line, test.bytes ? 116 : 112);
-        EXPECT_EQ(reports.last().message, test.bytes ? u"Not a kvSong file" : u"Can't open kvSong file \"" + path + u"\"");
+        EXPECT_EQ(reports.summaries(), (std::vector<test::ReportSummary> { { 0, "Sound/songFile", bytes ? 116 : 112,
+                                           bytes ? u"Not a kvSong file" : u"Can't open kvSong file \"" + path + u"\"" } }));
         EXPECT_EQ(song.player().patternName(0), u"kept");
     }
 }
 
-TEST(SongFile, SavingReplacesTheOldFileWhole)
+TEST_F(SongFile, SavingReplacesTheOldFileWhole)
 {
-    ScratchFolder folder;
     std::u16string path = folder.write("song.kqu", std::vector<uint8_t>(100'000, 0xAB));
     Song song;
     song.player().setPatternName(4, u"new");
-    RecordingLocator locator;
     EXPECT_EQ(saveSong(song, path, locator), 1);
     std::vector<uint8_t> bytes = folder.read("song.kqu");
     EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 0xAB), 0) << "nothing of the old file may remain";
@@ -123,17 +116,14 @@ TEST(SongFile, SavingReplacesTheOldFileWhole)
     ReportRecorder reports;
     std::u16string unsaveable = folder.file("no such folder/song.kqu");
     EXPECT_EQ(saveSong(song, unsaveable, locator), 0);
-    ASSERT_EQ(reports.reports().size(), 1u);
-    EXPECT_EQ(reports.last().code, 0);
-    EXPECT_EQ(reports.last().message, u"cant open kvSong file to save \"" + unsaveable + u"\": No such file or directory");
+    EXPECT_EQ(reports.summaries(), (std::vector<test::ReportSummary> { { 0, "Sound/songFile", 342,
+                                       u"cant open kvSong file to save \"" + unsaveable + u"\": No such file or directory" } }));
     EXPECT_EQ(folder.read("song.kqu"), bytes);
 }
 
-TEST(SongFile, AKillDuringASaveLeavesTheOldOrTheNewSongWhole)
+TEST_F(SongFile, AKillDuringASaveLeavesTheOldOrTheNewSongWhole)
 {
-    ScratchFolder folder;
     const std::u16string path = folder.file("full.kqu");
-    RecordingLocator locator;
     std::array<std::unique_ptr<Song>, 2> songs { std::make_unique<Song>(), std::make_unique<Song>() };
     std::array<std::vector<uint8_t>, 2> versions;
     for (size_t i = 0; i < songs.size(); ++i) {
@@ -185,9 +175,8 @@ TEST(SongFile, AKillDuringASaveLeavesTheOldOrTheNewSongWhole)
     }
 }
 
-TEST(SongFile, TheNextSaveRemovesWhatAKilledSaveLeft)
+TEST_F(SongFile, TheNextSaveRemovesWhatAKilledSaveLeft)
 {
-    ScratchFolder folder;
     const std::u16string path = folder.file("beat.kqu");
     const pid_t gone = ::fork();
     if (gone == 0)
@@ -200,7 +189,6 @@ TEST(SongFile, TheNextSaveRemovesWhatAKilledSaveLeft)
     for (const std::string& name : { abandoned, running, other })
         std::ofstream(folder.path() / name) << "half a song";
     Song song;
-    RecordingLocator locator;
     ASSERT_EQ(saveSong(song, path, locator), 1);
     std::vector<std::string> left = temporaryFiles(folder);
     std::sort(left.begin(), left.end());

@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "support/RecordingLocator.h"
 #include "support/ReportRecorder.h"
+#include "support/WavBuilder.h"
 
 #include <algorithm>
 #include <bit>
@@ -61,12 +62,7 @@ public:
         bytes.insert(bytes.end(), more.begin(), more.end());
         return *this;
     }
-    SongBytes& little(uint64_t value, int count)
-    {
-        for (int i = 0; i < count; ++i)
-            bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
-        return *this;
-    }
+    SongBytes& little(uint64_t value, int count) { test::appendLe(bytes, value, count); return *this; }
 
     std::vector<uint8_t> bytes;
 };

@@ -79,22 +79,9 @@ TEST(SongPlayer, HigherIndexedPatternWinsACellPlayedByTwo)
     EXPECT_EQ(rig.player.grid().cell(4, 5).volume, 0.125f);
 }
 
-TEST(SongPlayer, PatternModeLoopsOnePatternWithoutThePlaylist)
-{
-    PlayerRig rig;
-    arrange(rig, 0, { 0 }, 0.25f);
-    arrange(rig, 3, { 1 }, 0.5f);
-    rig.player.setMode(3);
-    rig.player.seek(0);
-    rig.player.start();
-    uint64_t pass = rig.player.framesPerPass();
-    std::vector<float> out = rig.render(3 * pass, { 4096 });
-    EXPECT_EQ(soundingFrames(out), (std::vector<uint64_t> { 0, pass, 2 * pass }));
-    EXPECT_EQ(out[pass], 0.5f);
-    EXPECT_EQ(rig.player.lengthInFrames(), pass);
-}
-
-TEST(SongPlayer, LengthCoversThePositionsUpToTheLoopEnd)
+// The length covers the positions up to the loop end; pattern mode loops one pattern without the
+// playlist, a length of one pass.
+TEST(SongPlayer, LengthCoversThePositionsUpToTheLoopEndAndPatternModeLoopsOnePattern)
 {
     PlayerRig rig;
     uint64_t pass = rig.player.framesPerPass();
@@ -103,6 +90,15 @@ TEST(SongPlayer, LengthCoversThePositionsUpToTheLoopEnd)
     EXPECT_EQ(rig.player.lengthInFrames(), 10 * pass);
     rig.player.setLoopEnd(3);
     EXPECT_EQ(rig.player.lengthInFrames(), 4 * pass);
+    arrange(rig, 0, { 0 }, 0.25f);
+    arrange(rig, 3, { 1 }, 0.5f);
+    rig.player.setMode(3);
+    EXPECT_EQ(rig.player.lengthInFrames(), pass);
+    rig.player.seek(0);
+    rig.player.start();
+    std::vector<float> out = rig.render(3 * pass, { 4096 });
+    EXPECT_EQ(soundingFrames(out), (std::vector<uint64_t> { 0, pass, 2 * pass }));
+    EXPECT_EQ(out[pass], 0.5f);
 }
 
 // Every way of moving the play position plays on from the start of the target position at the

@@ -36,8 +36,7 @@ TEST(StepGrid, ResizeKeepsNotesUnlessTheRowCountChangesAndCopyTakesEverything)
     EXPECT_EQ(grid.cell(2, 40), kDefaultNote); // beyond the length but kept for later
     StepGrid copy;
     copy.copyFrom(grid);
-    EXPECT_EQ(copy.rows(), 40u);
-    EXPECT_EQ(copy.length(), 8u);
+    EXPECT_EQ(std::pair(copy.rows(), copy.length()), std::pair(40u, 8u));
     EXPECT_EQ(copy.cell(2, 40), kDefaultNote);
     grid.resize(20, 8);
     EXPECT_EQ(grid.cell(2, 40), kEmptyStep);

@@ -1,4 +1,5 @@
 #include "Sound/StoredSamplePath.h"
+#include "base/text.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +9,8 @@ using namespace pulsara;
 
 TEST(StoredSamplePath, PrefersTheSongFolderThenTheSamplesFolderThenTheFullPath)
 {
-    const struct {
-        const char16_t* sample;
-        const char16_t* song;
-        const char16_t* samples;
-        const char16_t* stored;
-    } cases[] = {
+    // The sample, the song, the samples folder and the stored path.
+    const std::u16string_view cases[][4] = {
         { u"/docs/songs/kick.wav", u"/docs/songs/a.kqu", u"/lib", u"kick.wav" },
         { u"/docs/songs/smp/kick.wav", u"/docs/songs/a.kqu", u"/lib", u"smp/kick.wav" },
         { u"/docs/songs/smp/kick.wav", u"/docs/songs/a.kqu", u"/docs", u"smp/kick.wav" },
@@ -26,10 +23,8 @@ TEST(StoredSamplePath, PrefersTheSongFolderThenTheSamplesFolderThenTheFullPath)
         { u"/docs/songsX/kick.wav", u"/docs/songs/a.kqu", u"/lib", u"X/kick.wav" },
         { u"", u"/docs/songs/a.kqu", u"/lib", u"" },
     };
-    for (const auto& test : cases) {
-        EXPECT_EQ(makeStoredSamplePath(test.sample, test.song, test.samples).view(), std::u16string_view(test.stored))
-            << std::u16string_view(test.sample).size() << " units, stored " << std::u16string_view(test.stored).size();
-    }
+    for (const auto& [sample, song, samples, stored] : cases)
+        EXPECT_EQ(makeStoredSamplePath(sample, song, samples).view(), stored) << toUtf8(sample);
 }
 
 TEST(StoredSamplePath, ADeepSongFolderDoesNotOverflowThePathOfAFarSample)

@@ -42,22 +42,12 @@ protected:
         return WavReader(sample).load(source, u"sample.wav");
     }
 
-    std::vector<float> frames() const
-    {
-        std::size_t count = static_cast<std::size_t>(sample.length() + 1) * sample.channels();
-        return std::vector<float>(sample.frames(), sample.frames() + count);
-    }
-
     void expectRefused(const char* source, int line, std::u16string_view message)
     {
         EXPECT_FALSE(sample.isLoaded());
         EXPECT_TRUE(sample.displayName().empty());
         EXPECT_EQ(sample.length(), 0);
-        ASSERT_EQ(reports.reports().size(), 1u);
-        EXPECT_EQ(reports.last().code, 0);
-        EXPECT_EQ(reports.last().source, source);
-        EXPECT_EQ(reports.last().line, line);
-        EXPECT_EQ(reports.last().message, message);
+        EXPECT_EQ(reports.summaries(), (std::vector<ReportSummary> { { 0, source, line, std::u16string(message) } }));
     }
 
     ScratchFolder folder;
@@ -76,15 +66,9 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
     floatSaid16[34] = 16;
     WavChunk extensible = formatChunk(1, 44100, 16);
     extensible.bytes.resize(40, 0xAB);
-    const struct {
-        const char* what;
-        std::vector<uint8_t> bytes;
-        uint32_t rate;
-        uint8_t channels;
-        int result; // 1 when the data is used as it stands
-        uint32_t sourceBits;
-        std::vector<float> expected;
-    } cases[] = {
+    // What, the file, the output rate and channels, the result (1 when the data is used as it
+    // stands), the source's bits and the frames.
+    const std::tuple<const char*, std::vector<uint8_t>, uint32_t, uint8_t, int, uint32_t, std::vector<float>> cases[] = {
         { "mono to mono", makeWav(1, 48000, 16, pcm), 48000, 1, 0, 16, { 1, kMin, 0, 1, 0 } },
         { "mono to stereo", makeWav(1, 48000, 16, pcm), 48000, 2, 0, 16, { 1, 1, kMin, kMin, 0, 0, 1, 1, 0, 0 } },
         { "stereo to mono", makeWav(2, 48000, 16, pcm), 48000, 1, 0, 16, { -1.52587890625e-05f, 0.5f, 0 } },
@@ -111,18 +95,17 @@ TEST_F(WavReaderTest, ConvertsToTheOutputFormat)
                 kMax8 / 2, kMax8 / 2, 0, 0 } },
     };
     for (From from : { From::File, From::Memory }) {
-        for (const auto& test : cases) {
-            SCOPED_TRACE(test.what);
-            EXPECT_EQ(load(test.bytes, test.rate, test.channels, from), test.result);
+        for (const auto& [what, bytes, rate, channels, result, sourceBits, expected] : cases) {
+            SCOPED_TRACE(what);
+            EXPECT_EQ(load(bytes, rate, channels, from), result);
             EXPECT_TRUE(sample.isLoaded());
-            EXPECT_EQ(sample.channels(), test.channels);
-            EXPECT_EQ(sample.sourceBits(), test.sourceBits);
-            EXPECT_EQ(frames(), test.expected);
+            EXPECT_EQ(sample.channels(), channels);
+            EXPECT_EQ(sample.sourceBits(), sourceBits);
+            EXPECT_EQ(std::vector<float>(sample.frames(), sample.frames() + (sample.length() + 1) * channels), expected);
         }
     }
     EXPECT_TRUE(reports.reports().empty());
-    EXPECT_EQ(sample.sourceRate(), 22050u);
-    EXPECT_EQ(sample.sourceChannels(), 1u);
+    EXPECT_EQ(std::pair(sample.sourceRate(), sample.sourceChannels()), std::pair(22050u, 1u));
     // 3 frames x 44100 / 32000 = 4.134 frames: the byte count 6 is scaled to 8 first, then halved.
     EXPECT_EQ(load(makeWav(1, 32000, 16, pcm16({ 100, 200, 300 }))), 0);
     EXPECT_EQ(sample.length(), 4);
@@ -136,38 +119,35 @@ TEST_F(WavReaderTest, RefusesWhatItCannotRead)
     notWave[11] = 'X';
     truncatedHeader.resize(20);
     const char16_t* memory = u"Sorry, not enough memory to perform the operation";
-    const struct {
-        const char* what;
-        std::vector<uint8_t> bytes;
-        int line;
-        std::u16string_view message;
-        uint8_t outputChannels = 1;
-        const char* source = "Sound/file";
-    } cases[] = {
-        { "an empty file", {}, 140, u"Missing RIFF: Can't read WAV file." },
-        { "no RIFF", notRiff, 140, u"Missing RIFF: Can't read WAV file." },
-        { "no WAVE", notWave, 145, u"Missing WAVE: Can't read WAV file." },
-        { "a LIST chunk before fmt", riffWave({ { "LIST", { 1, 2, 3, 4 } }, formatChunk(1, 44100, 16), { "data", {} } }),
+    const char16_t* riff = u"Missing RIFF: Can't read WAV file.";
+    const char16_t* noData = u"Missing data: Can't read WAV file.";
+    const char16_t* bits = u"Only 8 and 16 bit waves supported";
+    const char16_t* channels = u"Only mono and stereo samples supported";
+    // What, the file, the output channels, and where the report comes from and what it says.
+    const std::tuple<const char*, std::vector<uint8_t>, uint8_t, const char*, int, std::u16string_view> cases[] = {
+        { "an empty file", {}, 1, "Sound/file", 140, riff },
+        { "no RIFF", notRiff, 1, "Sound/file", 140, riff },
+        { "no WAVE", notWave, 1, "Sound/file", 145, u"Missing WAVE: Can't read WAV file." },
+        { "a LIST chunk before fmt", riffWave({ { "LIST", { 1, 2, 3, 4 } }, formatChunk(1, 44100, 16), { "data", {} } }), 1, "Sound/file",
             149, u"Missing fmt : Can't read WAV file." },
-        { "no data chunk", riffWave({ formatChunk(1, 44100, 16) }), 167, u"Missing data: Can't read WAV file." },
-        { "a cut fmt chunk", truncatedHeader, 167, u"Missing data: Can't read WAV file." },
-        { "a chunk larger than the file", makeWav(1, 44100, 16, {}, { { "junk", {}, 0xFFFFFFF0u } }), 167,
-            u"Missing data: Can't read WAV file." },
-        { "24 bits", makeWav(1, 44100, 24, std::vector<uint8_t>(6)), 203, u"Only 8 and 16 bit waves supported" },
-        { "32 bits at another rate", makeWav(1, 22050, 32, float32({ 1 })), 203, u"Only 8 and 16 bit waves supported" },
-        { "4 channels", makeWav(4, 44100, 16, std::vector<uint8_t>(8)), 193, u"Only mono and stereo samples supported" },
-        { "0 channels", makeWav(0, 44100, 16, {}), 193, u"Only mono and stereo samples supported" },
-        { "3 output channels", wav, 193, u"Only mono and stereo samples supported", 3 },
+        { "no data chunk", riffWave({ formatChunk(1, 44100, 16) }), 1, "Sound/file", 167, noData },
+        { "a cut fmt chunk", truncatedHeader, 1, "Sound/file", 167, noData },
+        { "a chunk larger than the file", makeWav(1, 44100, 16, {}, { { "junk", {}, 0xFFFFFFF0u } }), 1, "Sound/file", 167, noData },
+        { "24 bits", makeWav(1, 44100, 24, std::vector<uint8_t>(6)), 1, "Sound/file", 203, bits },
+        { "32 bits at another rate", makeWav(1, 22050, 32, float32({ 1 })), 1, "Sound/file", 203, bits },
+        { "4 channels", makeWav(4, 44100, 16, std::vector<uint8_t>(8)), 1, "Sound/file", 193, channels },
+        { "0 channels", makeWav(0, 44100, 16, {}), 1, "Sound/file", 193, channels },
+        { "3 output channels", wav, 3, "Sound/file", 193, channels },
         // A sample no buffer could hold.
-        { "rate 0", makeWav(1, 0, 8, std::vector<uint8_t>(10000, 128)), 14, memory, 1, "mem" },
-        { "rate 1", makeWav(1, 1, 8, std::vector<uint8_t>(10000, 128)), 14, memory, 1, "mem" },
+        { "rate 0", makeWav(1, 0, 8, std::vector<uint8_t>(10000, 128)), 1, "mem", 14, memory },
+        { "rate 1", makeWav(1, 1, 8, std::vector<uint8_t>(10000, 128)), 1, "mem", 14, memory },
     };
     for (From from : { From::File, From::Memory }) {
-        for (const auto& test : cases) {
-            SCOPED_TRACE(test.what);
+        for (const auto& [what, bytes, outputChannels, source, line, message] : cases) {
+            SCOPED_TRACE(what);
             reports.clear();
-            EXPECT_EQ(load(test.bytes, 44100, test.outputChannels, from), 0);
-            expectRefused(test.source, test.line, test.message);
+            EXPECT_EQ(load(bytes, 44100, outputChannels, from), 0);
+            expectRefused(source, line, message);
         }
     }
 }

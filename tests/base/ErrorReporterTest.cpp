@@ -1,5 +1,7 @@
 #include "base/ErrorReporter.h"
 
+#include "support/ReportRecorder.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -7,14 +9,6 @@
 using namespace pulsara;
 
 namespace {
-
-class RecordingPresenter final : public ErrorPresenter {
-public:
-    RecordingPresenter() { setErrorPresenter(this); }
-    ~RecordingPresenter() override { setErrorPresenter(nullptr); }
-    void present(const ErrorReport& report) override { shown.emplace_back(report.caption(), report.line); }
-    std::vector<std::pair<std::u16string, int>> shown;
-};
 
 // Reports a second fatal error from inside the first one's box.
 class ReentrantPresenter final : public ErrorPresenter {
@@ -26,15 +20,16 @@ public:
 
 TEST(ErrorReporter, ShowsAnErrorBoxAndAFatalReportUnwindsWhenAskedTo)
 {
-    RecordingPresenter presenter;
+    test::ReportRecorder reports;
     EXPECT_EQ(reportError(&errorContext(), 0, nullptr, 17, u"can't open wave file"), 1);
     setFatalErrorsUnwind(true);
     EXPECT_THROW(reportError(&errorContext(), -1, "Sound/songFile", 10, u"The song file is corrupted"), FatalErrorUnwind);
     // The counter was released, so the next fatal report is presented too.
     EXPECT_THROW(reportError(&errorContext(), -1, "Sound/songFile", 17, u"The song file is corrupted"), FatalErrorUnwind);
     setFatalErrorsUnwind(false);
-    using Shown = std::vector<std::pair<std::u16string, int>>;
-    EXPECT_EQ(presenter.shown, (Shown { { u"error", 17 }, { u"FATAL ERROR", 10 }, { u"FATAL ERROR", 17 } }));
+    EXPECT_EQ(reports.summaries(), (std::vector<test::ReportSummary> { { 0, "", 17, u"can't open wave file" },
+                                       { -1, "Sound/songFile", 10, u"The song file is corrupted" },
+                                       { -1, "Sound/songFile", 17, u"The song file is corrupted" } }));
 }
 
 TEST(ErrorReporter, TextPutsTheCodeWhereAFunctionNameWouldStand)

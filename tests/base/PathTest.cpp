@@ -45,11 +45,8 @@ TEST(Path, JoinAddsOneSeparatorUnlessTheNameIsAbsolute)
 
 TEST(Path, RelativePathComparesUnitByUnit)
 {
-    struct Case {
-        std::u16string base, target, relative;
-        int steps;
-    };
-    for (const Case& c : std::initializer_list<Case> {
+    // The base, the target, the relative path and the steps up.
+    for (const auto& [base, target, relative, steps] : std::initializer_list<std::tuple<std::u16string, std::u16string, std::u16string, int>> {
              { u"/My Documents/songs", u"/My Documents/songs/smp/kick.wav", u"smp/kick.wav", 0 },
              { u"/My Documents/songs", u"/My Documents/other/kick.wav", u"../other/kick.wav", 1 },
              // The common prefix runs into the folder name: kept as the program always did it.
@@ -60,8 +57,8 @@ TEST(Path, RelativePathComparesUnitByUnit)
              { u"/a", u"", u"untouched", -2 }, // an empty target leaves the output alone
          }) {
         PathString out(u"untouched");
-        EXPECT_EQ(relativePath(out, c.base, c.target), c.steps) << toUtf8(c.target);
-        EXPECT_EQ(out.view(), c.relative) << toUtf8(c.target);
+        EXPECT_EQ(relativePath(out, base, target), steps) << toUtf8(target);
+        EXPECT_EQ(out.view(), relative) << toUtf8(target);
     }
 }
 

@@ -1,5 +1,5 @@
-// Runs the pulsara program itself on songs built here, and checks its output, messages and exit
-// statuses.
+// Runs the pulsara program itself on songs built here, and checks its output, messages, exit
+// statuses and, played into a private PulseAudio null sink, its sound.
 #include "Sound/Song.h"
 #include "Sound/SongFile.h"
 #include "Sound/WavExporter.h"
@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <sys/wait.h>
 
@@ -33,6 +35,29 @@ std::string quote(const fs::path& path)
 
 std::string text(const std::vector<uint8_t>& bytes) { return std::string(bytes.begin(), bytes.end()); }
 
+size_t firstSound(const std::vector<int16_t>& samples)
+{
+    return static_cast<size_t>(std::find_if(samples.begin(), samples.end(), [](int16_t s) { return std::abs(s) > 300; }) - samples.begin());
+}
+
+// How well `recorded` shifted by `lag` matches `reference`: the normalised cross-correlation,
+// and the level of the recording against the reference in dB.
+std::pair<double, double> match(const std::vector<int16_t>& reference, const std::vector<int16_t>& recorded, long lag)
+{
+    double both = 0.0, referenceEnergy = 0.0, recordedEnergy = 0.0;
+    for (size_t i = 0; i < reference.size(); ++i) {
+        long j = static_cast<long>(i) + lag;
+        double r = reference[i];
+        double s = j >= 0 && j < static_cast<long>(recorded.size()) ? recorded[static_cast<size_t>(j)] : 0.0;
+        both += r * s;
+        referenceEnergy += r * r;
+        recordedEnergy += s * s;
+    }
+    if (referenceEnergy == 0.0 || recordedEnergy == 0.0)
+        return { 0.0, 0.0 };
+    return { both / std::sqrt(referenceEnergy * recordedEnergy), 10.0 * std::log10(recordedEnergy / referenceEnergy) };
+}
+
 class CommandLine : public ::testing::Test {
 protected:
     test::ScratchFolder folder;
@@ -40,11 +65,12 @@ protected:
     fs::path sample = folder.path() / "smp/saw.wav";
     fs::path song = folder.path() / "song.kqu";
 
-    // Runs pulsara with a home of its own, so that <Documents> is inside the test folder.
-    RunResult run(const std::string& arguments)
+    // Runs pulsara with a home of its own, so that <Documents> is inside the test folder; `before`
+    // comes before the program: more of its environment, or a command that runs it.
+    RunResult run(const std::string& arguments, const std::string& before = "")
     {
         fs::create_directories(home / "Documents/Pulsara");
-        std::string command = "HOME=" + quote(home) + " XDG_CONFIG_HOME=" + quote(home / ".config") + " "
+        std::string command = "HOME=" + quote(home) + " XDG_CONFIG_HOME=" + quote(home / ".config") + " " + before + " "
             + quote(PULSARA_BINARY) + " " + arguments + " > " + quote(folder.path() / "out.txt") + " 2> "
             + quote(folder.path() / "err.txt") + " < /dev/null";
         int raw = std::system(command.c_str());
@@ -156,13 +182,8 @@ TEST_F(CommandLine, BadFilesGiveTheirMessageAndStatus)
     // A tempo item holding a string instead of a number.
     folder.write("corrupt.kqu", { 'K', 'V', 'S', '0', 0x09, 0x05, 0x41, 0x00, 0x00, 0x00, 0x00 });
     auto at = [&](const char* name) { return (folder.path() / name).string(); };
-    struct Case {
-        const char* song;
-        std::string output;
-        int status;
-        std::string message;
-    };
-    for (const Case& c : std::initializer_list<Case> {
+    // The song, the output, the exit status and the message.
+    for (const auto& [name, output, status, message] : std::initializer_list<std::tuple<const char*, std::string, int, std::string>> {
              { "text.kqu", at("out.wav"), 1, "pulsara: error: Not a kvSong file (" + at("text.kqu") + ")\n" },
              { "absent.kqu", at("out.wav"), 1, "pulsara: error: Can't open kvSong file \"" + at("absent.kqu") + "\"\n" },
              { "cut.kqu", at("out.wav"), 0, "" },
@@ -173,9 +194,9 @@ TEST_F(CommandLine, BadFilesGiveTheirMessageAndStatus)
              { "song.kqu", "/dev/full", 1, "pulsara: error: can't write file \"/dev/full\"\n" },
              { "song.kqu", at("song.kqu"), 1, "pulsara: error: can't write file \"" + at("song.kqu") + "\"\n" },
          }) {
-        RunResult result = run("--export " + quote(c.output) + " " + quote(at(c.song)));
-        EXPECT_EQ(result.status, c.status) << c.song;
-        EXPECT_EQ(result.err, c.message) << c.song;
+        RunResult result = run("--export " + quote(output) + " " + quote(at(name)));
+        EXPECT_EQ(result.status, status) << name;
+        EXPECT_EQ(result.err, message) << name;
     }
     EXPECT_EQ(folder.read("song.kqu"), good);
     // A broken sample is reported with its file, and the export is still written.
@@ -184,4 +205,57 @@ TEST_F(CommandLine, BadFilesGiveTheirMessageAndStatus)
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "pulsara: error: Missing RIFF: Can't read WAV file. (" + sample.string() + ")\n");
     EXPECT_TRUE(fs::exists(at("broken.wav")));
+}
+
+// What came out of the sound server is the song: the same sound as its export, at a small lag and
+// the same level. The song is two passes of a kick and snare beat (3.2 s at tempo 150), whose
+// clear onsets leave one lag that matches.
+TEST_F(CommandLine, PlayPlaysTheSongIntoTheSoundServerAsItExports)
+{
+    Song beat;
+    for (uint32_t slot : { 0u, 1u })
+        beat.instrument(slot).sample().load((fs::path(PULSARA_SHARE_DIR) / "Demo" / (slot ? "Snare.wav" : "Kick1.wav")).u16string());
+    for (auto [row, step, volume] : { std::tuple(0, 0, 1.0f), { 0, 6, 1.0f }, { 0, 10, 1.0f }, { 1, 4, 0.8f }, { 1, 12, 0.8f } })
+        beat.player().pattern(0).setCell(row, step, { volume, 1.0f, 0 });
+    beat.player().playlist().set(0, 0, 1.0f);
+    beat.player().playlist().set(0, 1, 1.0f);
+    test::RecordingLocator locator;
+    ASSERT_EQ(saveSong(beat, song.u16string(), locator), 1);
+    ASSERT_EQ(run("--export " + quote(folder.path() / "export.wav") + " " + quote(song)).status, 0);
+    RunResult played = run("--play " + quote(song) + " --rate 44100 --mono --latency 100",
+        "bash " + quote(PULSARA_SOURCE_DIR "/tests/cli/with_null_sink.sh") + " --record " + quote(folder.path() / "recorded.raw") + " --");
+    if (played.status == 77)
+        GTEST_SKIP() << "no PulseAudio server can be started here";
+    ASSERT_EQ(played.status, 0) << played.err;
+
+    std::vector<int16_t> reference = test::samples16(folder.read("export.wav"), 46);
+    std::vector<int16_t> output = test::samples16(folder.read("recorded.raw"), 0);
+    ASSERT_GT(reference.size(), 44100u * 3);
+    size_t referenceStart = firstSound(reference);
+    size_t outputStart = firstSound(output);
+    ASSERT_LT(outputStart, output.size()) << "nothing was heard";
+
+    // Line the first sounds up, then look for the best match within 25 ms of that: the sound
+    // server may swallow the first milliseconds of a new stream.
+    long coarse = static_cast<long>(outputStart) - static_cast<long>(referenceStart);
+    long bestLag = coarse;
+    double best = -1.0;
+    for (long lag = coarse - 1100; lag <= coarse + 1100; ++lag) {
+        if (double c = match(reference, output, lag).first; c > best) {
+            best = c;
+            bestLag = lag;
+        }
+    }
+    auto [correlation, level] = match(reference, output, bestLag);
+    EXPECT_GT(correlation, 0.95) << "lag " << bestLag;
+    EXPECT_NEAR(level, 0.0, 3.0);
+    // The whole song came out, not only its beginning.
+    EXPECT_GE(static_cast<long>(output.size()), bestLag + static_cast<long>(reference.size()) - 4410);
+}
+
+TEST_F(CommandLine, PlaySaysSoInOneLineWhenNoDeviceCanBeOpened)
+{
+    RunResult result = run("--play " + quote(song), "PULSARA_AUDIO_BACKEND=pulse PULSE_SERVER=unix:/nonexistent/pulsara-socket");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "pulsara: error: no audio output device could be opened\n");
 }

@@ -26,11 +26,7 @@ TEST(PlayStatusLine, ShowsPositionStepMetersClipAndLoad)
 
 TEST(PlayStatusLine, MetersLightWholeSegmentsOfPositivePeaksOnly)
 {
-    struct Case {
-        float peak;
-        int lit;
-    };
-    for (Case c : { Case { 0.0f, 0 }, Case { 0.099f, 0 }, Case { 0.1f, 1 }, Case { 0.99f, 9 }, Case { 1.0f, 10 },
-             Case { 1.7f, 10 }, Case { -0.8f, 0 }, Case { std::numeric_limits<float>::quiet_NaN(), 0 } })
-        EXPECT_EQ(PlayStatusLine::litSegments(c.peak), c.lit) << c.peak;
+    for (auto [peak, lit] : std::initializer_list<std::pair<float, int>> { { 0.0f, 0 }, { 0.099f, 0 }, { 0.1f, 1 }, { 0.99f, 9 },
+             { 1.0f, 10 }, { 1.7f, 10 }, { -0.8f, 0 }, { std::numeric_limits<float>::quiet_NaN(), 0 } })
+        EXPECT_EQ(PlayStatusLine::litSegments(peak), lit) << peak;
 }

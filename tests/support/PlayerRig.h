@@ -49,7 +49,6 @@ struct PlayerRig {
     }
 };
 
-// Frames at which the mix is not silent.
 inline std::vector<uint64_t> soundingFrames(const std::vector<float>& mono)
 {
     std::vector<uint64_t> frames;

@@ -5,8 +5,8 @@
 
 #include "base/ErrorReporter.h"
 
-#include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace pulsara::test {
@@ -18,6 +18,9 @@ struct RecordedReport {
     std::u16string message;
     std::u16string text;
 };
+
+// What a test names of a report: code, source, line and message.
+using ReportSummary = std::tuple<int32_t, std::string, int, std::u16string>;
 
 class ReportRecorder final : public ErrorPresenter {
 public:
@@ -33,12 +36,14 @@ public:
     }
 
     const std::vector<RecordedReport>& reports() const { return reports_; }
-    const RecordedReport& last() const
+    std::vector<ReportSummary> summaries() const
     {
-        if (reports_.empty())
-            throw std::logic_error("no report was made");
-        return reports_.back();
+        std::vector<ReportSummary> out;
+        for (const RecordedReport& report : reports_)
+            out.emplace_back(report.code, report.source, report.line, report.message);
+        return out;
     }
+    const RecordedReport& last() const { return reports_.at(reports_.size() - 1); } // throws when none was made
     void clear() { reports_.clear(); }
 
 private:

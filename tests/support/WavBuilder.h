@@ -2,6 +2,7 @@
 
 // Builds WAV file bytes for tests: makeWav(1, 22050, 8, pcm8({ 128, 255, 0 })).
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -20,7 +21,7 @@ struct WavChunk {
     std::optional<uint32_t> declaredSize = std::nullopt;
 };
 
-inline void appendLe(std::vector<uint8_t>& out, uint32_t value, int bytes)
+inline void appendLe(std::vector<uint8_t>& out, uint64_t value, int bytes)
 {
     for (int i = 0; i < bytes; ++i)
         out.push_back(static_cast<uint8_t>(value >> (8 * i)));
@@ -40,11 +41,8 @@ inline std::vector<uint8_t> pcm16(const std::vector<int16_t>& samples)
 inline std::vector<uint8_t> float32(const std::vector<float>& samples)
 {
     std::vector<uint8_t> out;
-    for (float sample : samples) {
-        uint32_t bits = 0;
-        std::memcpy(&bits, &sample, 4);
-        appendLe(out, bits, 4);
-    }
+    for (float sample : samples)
+        appendLe(out, std::bit_cast<uint32_t>(sample), 4);
     return out;
 }
 
@@ -57,6 +55,14 @@ inline WavChunk formatChunk(uint16_t channels, uint32_t rate, uint16_t bits)
              { rate * blockAlign, 4 }, { blockAlign, 2 }, { bits, 2 } })
         appendLe(chunk.bytes, value, bytes);
     return chunk;
+}
+
+// The signed 16-bit samples of `bytes` after the first `skip` (a header, or none for raw data).
+inline std::vector<int16_t> samples16(const std::vector<uint8_t>& bytes, std::size_t skip)
+{
+    std::vector<int16_t> samples(bytes.size() > skip ? (bytes.size() - skip) / 2 : 0);
+    std::memcpy(samples.data(), bytes.data() + skip, samples.size() * 2); // little-endian host
+    return samples;
 }
 
 // "RIFF", size, "WAVE", then the chunks in the given order, each without a pad byte.

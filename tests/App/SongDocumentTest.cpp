@@ -270,8 +270,9 @@ TEST(SongDocument, AsksForSamplesThatAreNotWhereTheSongSays)
         EXPECT_EQ(doc.song.instrument(1).sample().isLoaded(), c.found);
         // A sample found in another place makes the song differ from its file.
         EXPECT_EQ(doc.document.isDirty(), c.found);
-        if (c.found)
+        if (c.found) {
             EXPECT_EQ(doc.document.samplesFolder(), doc.folder.file("moved"));
+        }
     }
 }
 

@@ -64,8 +64,9 @@ TEST(RowWorkers, HelperRowsAreAddedInRowOrderSoTheSumIsTheSameToTheBit)
             workers.render(rows, out.data(), samples);
             ASSERT_EQ(std::memcmp(out.data(), expected.data(), samples * sizeof(float)), 0) << samples << ", " << block;
             EXPECT_EQ(rows.renders, (std::array<int, OrderSensitiveRows::kRows> { 1, 1, 1, 1, 1, 1 }));
-            if (rows.holdFirstRow)
+            if (rows.holdFirstRow) {
                 EXPECT_NE(rows.threads[OrderSensitiveRows::kRows - 1], std::this_thread::get_id());
+            }
             rows.holdFirstRow = false;
         }
     }

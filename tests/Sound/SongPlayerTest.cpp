@@ -138,7 +138,9 @@ TEST(SongPlayer, MovesPlayFromTheStartOfTheTargetPositionAtTheNextBlock)
     }
 }
 
-// What clearSong empties shows in the bytes of a song read from an empty file (the reader's tests).
+// What clearSong empties is checked by the reader's tests, in the bytes of a song read from an
+// empty file.
+
 TEST(SongPlayer, PatternNamesKeepTheirFirstThirtyOneUnits)
 {
     PlayerRig rig;

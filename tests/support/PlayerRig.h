@@ -35,7 +35,7 @@ struct PlayerRig {
         instruments[track].sample().setFrames(std::vector<float>(format.channels, amplitude), format.channels);
     }
 
-    // Renders `total` frames in blocks whose sizes cycle through `blocks`; returns the mono mix.
+    // Renders `total` frames in blocks whose sizes cycle through `blocks`; returns the mix, its channels interleaved.
     std::vector<float> render(uint64_t total, const std::vector<uint32_t>& blocks)
     {
         std::vector<float> out(total * format.channels);

@@ -1,9 +1,53 @@
 #include "GUI/TextPainter.h"
 
-#include <QFontMetrics>
+#include <QCoreApplication>
+#include <QFontMetricsF>
+#include <QHash>
 #include <QPainter>
+#include <QStaticText>
 
 namespace pulsara {
+
+namespace {
+
+struct ShapedText {
+    QStaticText text;
+    qreal width;
+};
+
+using ShapedTexts = QHash<std::pair<QFont, QString>, ShapedText>;
+
+// The shaped texts hold on to the font engines, which go with the application: so do they.
+ShapedTexts& shapedTexts()
+{
+    static ShapedTexts cache;
+    [[maybe_unused]] static const bool clearedWithTheApplication = [] {
+        qAddPostRoutine([] { shapedTexts().clear(); });
+        return true;
+    }();
+    return cache;
+}
+
+// Shaping is most of what a line of text costs, and the same few texts (row labels, captions,
+// numbers) are drawn again on every scroll and every change: each is shaped once per font.
+// Painting happens on the GUI thread only.
+const ShapedText& shaped(const QString& text, const QFont& font)
+{
+    constexpr qsizetype kMostTexts = 4096;
+    ShapedTexts& cache = shapedTexts();
+    auto key = std::make_pair(font, text);
+    auto found = cache.constFind(key);
+    if (found != cache.cend())
+        return *found;
+    if (cache.size() >= kMostTexts)
+        cache.clear();
+    QStaticText staticText(text);
+    staticText.setTextFormat(Qt::PlainText);
+    staticText.prepare(QTransform(), font);
+    return *cache.insert(key, { staticText, QFontMetricsF(font).horizontalAdvance(text) });
+}
+
+} // namespace
 
 Qt::Alignment TextPainter::horizontalAlignment(int32_t align, int textWidth, int boxWidth)
 {
@@ -23,13 +67,29 @@ int TextPainter::drawRect(int32_t x, int32_t y, int32_t width, int32_t height)
 {
     if (!text_ || !dc_)
         return 0;
-    QString text = QString::fromUtf16(text_);
-    int textWidth = QFontMetrics(dc_->font()).horizontalAdvance(text);
-    Qt::Alignment alignment = horizontalAlignment(align_, textWidth, width);
+    const QFont& font = dc_->font();
+    const ShapedText& text = shaped(QString::fromUtf16(text_), font);
+    // Placed where QPainter's drawText would place it in the box: centred on the line's height,
+    // and clipped to the box when it does not fit.
+    QFontMetricsF metrics(font);
+    Qt::Alignment alignment = horizontalAlignment(align_, qRound(text.width), width);
+    qreal left = x;
+    if (alignment == Qt::AlignRight)
+        left += width - text.width;
+    else if (alignment == Qt::AlignHCenter)
+        left += (width - text.width) / 2;
+    qreal top = y + (height - metrics.height()) / 2;
+    bool overflows = text.width > width || metrics.height() > height;
+    if (overflows) {
+        dc_->save();
+        dc_->setClipRect(QRect(x, y, width, height), Qt::IntersectClip);
+    }
     QPainter::CompositionMode previous = dc_->compositionMode();
     dc_->setCompositionMode(QPainter::CompositionMode_SourceOver);
-    dc_->drawText(QRect(x, y, width, height), int(alignment | Qt::AlignVCenter | Qt::TextSingleLine), text);
+    dc_->drawStaticText(QPointF(left, top), text.text);
     dc_->setCompositionMode(previous);
+    if (overflows)
+        dc_->restore();
     return 1;
 }
 

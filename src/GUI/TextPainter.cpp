@@ -13,6 +13,7 @@ namespace {
 struct ShapedText {
     QStaticText text;
     qreal width;
+    qreal lineHeight;
 };
 
 using ShapedTexts = QHash<std::pair<QFont, QString>, ShapedText>;
@@ -44,7 +45,8 @@ const ShapedText& shaped(const QString& text, const QFont& font)
     QStaticText staticText(text);
     staticText.setTextFormat(Qt::PlainText);
     staticText.prepare(QTransform(), font);
-    return *cache.insert(key, { staticText, QFontMetricsF(font).horizontalAdvance(text) });
+    QFontMetricsF metrics(font);
+    return *cache.insert(key, { staticText, metrics.horizontalAdvance(text), metrics.height() });
 }
 
 } // namespace
@@ -67,19 +69,17 @@ int TextPainter::drawRect(int32_t x, int32_t y, int32_t width, int32_t height)
 {
     if (!text_ || !dc_)
         return 0;
-    const QFont& font = dc_->font();
-    const ShapedText& text = shaped(QString::fromUtf16(text_), font);
+    const ShapedText& text = shaped(QString::fromUtf16(text_), dc_->font());
     // Placed where QPainter's drawText would place it in the box: centred on the line's height,
     // and clipped to the box when it does not fit.
-    QFontMetricsF metrics(font);
     Qt::Alignment alignment = horizontalAlignment(align_, qRound(text.width), width);
     qreal left = x;
     if (alignment == Qt::AlignRight)
         left += width - text.width;
     else if (alignment == Qt::AlignHCenter)
         left += (width - text.width) / 2;
-    qreal top = y + (height - metrics.height()) / 2;
-    bool overflows = text.width > width || metrics.height() > height;
+    qreal top = y + (height - text.lineHeight) / 2;
+    bool overflows = text.width > width || text.lineHeight > height;
     if (overflows) {
         dc_->save();
         dc_->setClipRect(QRect(x, y, width, height), Qt::IntersectClip);
